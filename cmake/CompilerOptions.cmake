@@ -1,0 +1,23 @@
+# Options shared by every target: warnings, sanitizers, and what each system needs.
+add_library(kelvara_options INTERFACE)
+
+# Floating-point expressions keep their written rounding: a fused multiply-add appears only where a
+# kernel asks for it, so that plans computed in double precision agree between compilers and levels.
+target_compile_options(kelvara_options INTERFACE -Wall -Wextra -Wshadow -ffp-contract=off)
+if(KELVARA_WARNINGS_AS_ERRORS)
+  target_compile_options(kelvara_options INTERFACE -Werror)
+endif()
+
+if(KELVARA_SANITIZE)
+  target_compile_options(kelvara_options INTERFACE
+    -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_link_options(kelvara_options INTERFACE -fsanitize=${KELVARA_SANITIZE})
+endif()
+
+if(WIN32)
+  # GCC aligns no 32- and 64-byte stack slots on this system: vector moves must tolerate that.
+  target_compile_options(kelvara_options INTERFACE -Wa,-muse-unaligned-vector-move)
+  target_compile_definitions(kelvara_options INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0A00 NOMINMAX
+    WIN32_LEAN_AND_MEAN)
+  target_link_options(kelvara_options INTERFACE -static -static-libgcc -static-libstdc++ -municode)
+endif()

@@ -1,0 +1,77 @@
+// Screen output of the whole program: coloured text, labelled values, pauses, the window size.
+//
+// Text is UTF-8 here. On a console it is drawn in colour (console_device.h of the system seam); output
+// that is not a console receives the same text as plain UTF-8 bytes without colour, so nothing is lost
+// in a file or a pipe. No operation throws. Operations take no lock of their own: callers that print
+// from several threads serialise their own lines.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qmp::console {
+
+// A colour letter: 'B' 'G' 'T' 'R' 'P' 'Y' are bright blue, green, teal, red, purple and yellow, their
+// lower-case letters the dark variants; ' ' keeps the current colour; any other letter ('w' by
+// convention) is white.
+using Colour = char;
+
+// The console text attribute of a colour letter, or -1 for ' '.
+int colour_attribute(Colour colour);
+
+// Colours are skipped entirely while disabled; text is still written.
+void enable_colours(bool enabled);
+bool colours_enabled();
+
+void set_color(Colour colour);
+// Sets a console attribute by its number (progress labels have attributes of their own).
+void set_attribute(int attribute);
+void reset_color();
+
+// Each returns the number of UTF-16 units written. The colour stays in force after write and println.
+std::uint64_t write(std::string_view text, Colour colour = ' ');
+std::uint64_t println(std::string_view text, Colour colour = ' ');
+// Appends a line break, writes, and leaves the caller's string empty.
+std::uint64_t println_wide(std::u16string& text, Colour colour = ' ');
+void newline();
+
+// A line break, then the text in bright red on its own line; white afterwards unless keep_colour.
+void print_warning(std::string_view text, bool keep_colour = false);
+
+// "label: value"; the label is white and the colour is white again after the value, unless the colour
+// is ' ', which changes no colour at all.
+std::uint64_t print_label(std::string_view label, std::string_view value, Colour colour = ' ');
+std::uint64_t print_label_line(std::string_view label, std::string_view value, Colour colour = ' ');
+
+constexpr std::uint64_t default_column = 20;
+
+// The label is padded, or cut, to `column` characters, the last of which is always a space.
+std::uint64_t print_column(std::uint64_t column, std::string_view label, std::string_view value, Colour colour = ' ');
+std::uint64_t print_column_line(std::uint64_t column, std::string_view label, std::string_view value,
+                                Colour colour = ' ');
+
+// Right-aligned in `width` characters; a longer text is written whole.
+std::uint64_t print_right(std::uint64_t width, std::string_view text, Colour colour = ' ');
+
+void print_pass_fail(bool passed);
+void print_yes_no(bool yes);
+
+// Waits for a key with the system's own prompt. With no keyboard (input is not a console) it returns at
+// once.
+void pause(Colour colour = 'w');
+[[noreturn]] void terminate(int exit_code);
+// The text in bright red between empty lines, a pause, and exit code 1.
+[[noreturn]] void fatal_error(std::string_view text);
+
+// False when there is no console or it refuses.
+bool set_window_size(int width, int height);
+
+// One count per write and per pause.
+std::uint64_t output_counter();
+
+// True when standard output is a console, on which a line can be rewritten.
+bool output_is_console();
+
+}  // namespace qmp::console
