@@ -23,5 +23,5 @@ if(WIN32)
   target_compile_options(kelvara_options INTERFACE -Wa,-muse-unaligned-vector-move)
   target_compile_definitions(kelvara_options INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0A00 NOMINMAX
     WIN32_LEAN_AND_MEAN)
-  target_link_options(kelvara_options INTERFACE -static -static-libgcc -static-libstdc++ -municode)
+  target_link_options(kelvara_options INTERFACE -static -static-libgcc -static-libstdc++)
 endif()

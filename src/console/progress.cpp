@@ -60,7 +60,8 @@ void ConsoleProgress::push_label(std::string_view text, int attribute) {
 void ConsoleProgress::pop_label() {
     if (labels_.empty()) return;
     labels_.pop_back();
-    redraw();
+    // A part that ends is mostly followed by another one at once: only what stays is worth a drawing.
+    if (counter() >= drawing_paid_) redraw();
 }
 
 void ConsoleProgress::end_step() {
