@@ -14,7 +14,7 @@
 namespace qmp {
 
 class Exception {
- public:
+  public:
     virtual ~Exception() = default;
     // Throws a copy of the object as its dynamic type.
     [[noreturn]] virtual void throw_this() const = 0;
@@ -24,10 +24,11 @@ class Exception {
     // The red block headed "Exception Encountered".
     void print() const;
     // Little-endian integers, NUL-terminated texts, no padding; begins with the name of the class that a
-    // record of this shape is rebuilt as.
+    // record of this shape is rebuilt as (registry.h). A class that adds no field writes its base's record,
+    // so its exact class is lost there: a reader needs only the shapes.
     virtual std::string serialize() const = 0;
 
- protected:
+  protected:
     // The labelled heading; "Exception Encountered: name" unless a class says otherwise.
     virtual void print_heading() const;
     // The class's own lines, in bright red.
@@ -35,14 +36,20 @@ class Exception {
 };
 
 // The virtual operations that every concrete class writes alike.
-#define QMP_EXCEPTION_OPERATIONS(Class, name)                                                       \
-    [[noreturn]] void throw_this() const override { throw *this; }                                  \
-    const char* get_name() const override { return name; }                                          \
-    std::unique_ptr<qmp::Exception> clone() const override { return std::make_unique<Class>(*this); }
+#define QMP_EXCEPTION_OPERATIONS(Class, name)                \
+    [[noreturn]] void throw_this() const override {          \
+        throw *this;                                         \
+    }                                                        \
+    const char* get_name() const override {                  \
+        return name;                                         \
+    }                                                        \
+    std::unique_ptr<qmp::Exception> clone() const override { \
+        return std::make_unique<Class>(*this);               \
+    }
 
 // A function's name and a message.
 class StringException : public Exception {
- public:
+  public:
     StringException(std::string function, std::string message)
         : function_(std::move(function)), message_(std::move(message)) {}
     QMP_EXCEPTION_OPERATIONS(StringException, "StringException")
@@ -50,17 +57,17 @@ class StringException : public Exception {
     const std::string& function() const { return function_; }
     const std::string& message() const { return message_; }
 
- protected:
+  protected:
     void print_body() const override;
     std::string function_;
     std::string message_;
 };
 
 // A class that adds nothing to its base but a name.
-#define QMP_NAMED_EXCEPTION(Class, Base)     \
-    class Class : public Base {              \
-     public:                                 \
-        using Base::Base;                    \
+#define QMP_NAMED_EXCEPTION(Class, Base)        \
+    class Class : public Base {                 \
+      public:                                   \
+        using Base::Base;                       \
         QMP_EXCEPTION_OPERATIONS(Class, #Class) \
     };
 
@@ -76,7 +83,7 @@ QMP_NAMED_EXCEPTION(UnsupportedZeroException, UnsupportedValueException)
 QMP_NAMED_EXCEPTION(UnsupportedNegativeException, UnsupportedValueException)
 
 class BufferTooSmallException : public Exception {
- public:
+  public:
     BufferTooSmallException(std::string function, std::uint64_t buffer_size, std::uint64_t required_size)
         : function_(std::move(function)), buffer_size_(buffer_size), required_size_(required_size) {}
     QMP_EXCEPTION_OPERATIONS(BufferTooSmallException, "BufferTooSmallException")
@@ -85,7 +92,7 @@ class BufferTooSmallException : public Exception {
     std::uint64_t buffer_size() const { return buffer_size_; }
     std::uint64_t required_size() const { return required_size_; }
 
- protected:
+  protected:
     void print_body() const override;
     std::string function_;
     std::uint64_t buffer_size_;
@@ -93,7 +100,7 @@ class BufferTooSmallException : public Exception {
 };
 
 class LimitExceededException : public Exception {
- public:
+  public:
     // A limit of 0 means unknown.
     LimitExceededException(std::string function, std::uint64_t limit, std::uint64_t attempted)
         : function_(std::move(function)), limit_(limit), attempted_(attempted) {}
@@ -103,7 +110,7 @@ class LimitExceededException : public Exception {
     std::uint64_t limit() const { return limit_; }
     std::uint64_t attempted() const { return attempted_; }
 
- protected:
+  protected:
     void print_body() const override;
     std::string function_;
     std::uint64_t limit_;

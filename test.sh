@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Sets up, builds and runs the tests.
+#   ./test.sh            everything: Linux, its sanitizers, and the Windows build under Wine
+#   ./test.sh --linux    Linux alone: release, then the sanitizers
+#   ./test.sh --quick    the Linux release tests alone
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cd "$root"
+
+presets=(release asan tsan windows)
+case "${1:-}" in
+  "") ;;
+  --linux) presets=(release asan tsan) ;;
+  --quick) presets=(release) ;;
+  *) echo "usage: ./test.sh [--linux | --quick]" >&2; exit 2 ;;
+esac
+
+fail() {
+  echo "test.sh: FAILED: $1" >&2
+  exit 1
+}
+
+build() {
+  local preset=$1 log=build/$1-build.log
+  mkdir -p build
+  if ! cmake --preset "$preset" >"$log" 2>&1 || ! cmake --build --preset "$preset" >>"$log" 2>&1; then
+    tail -n 60 "$log" >&2
+    fail "the $preset build; the whole output is in $log"
+  fi
+}
+
+groups=(build tests)
+[[ " ${presets[*]} " == *" windows "* ]] && groups+=(windows)
+tools/setup-debian.sh "${groups[@]}" || fail "setting up the machine"
+
+if command -v ccache >/dev/null; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+fi
+
+for preset in "${presets[@]}"; do
+  echo "== $preset: building"
+  started=$SECONDS
+  build "$preset"
+  echo "== $preset: built in $((SECONDS - started)) s, testing"
+  started=$SECONDS
+  ctest --preset "$preset" </dev/null || fail "the $preset tests"
+  echo "== $preset: tested in $((SECONDS - started)) s"
+done
+echo "All tests passed: ${presets[*]}"
