@@ -79,15 +79,10 @@ bool colours_enabled() {
     return colouring.load();
 }
 
-void set_attribute(int attribute) {
-    constexpr int attributes = 16;
-    if (attribute >= attributes) attribute = colour_attribute(static_cast<Colour>(attribute));
+void set_color(Colour colour) {
+    const int attribute = colour_attribute(colour);
     if (attribute < 0 || !colours_enabled() || !os::output_is_console()) return;
     os::set_text_attribute(attribute);
-}
-
-void set_color(Colour colour) {
-    set_attribute(colour_attribute(colour));
 }
 
 void reset_color() {

@@ -25,9 +25,6 @@ void enable_colours(bool enabled);
 bool colours_enabled();
 
 void set_color(Colour colour);
-// A colour given as a number: 0 to 15 are console attributes, a greater number is the code of a colour
-// letter (71 is 'G', 80 'P', 119 'w'); tables that keep their colours as numbers hold letter codes.
-void set_attribute(int attribute);
 void reset_color();
 
 // Each returns the number of UTF-16 units written. The colour stays in force after write and println.

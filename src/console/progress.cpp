@@ -52,8 +52,8 @@ void ConsoleProgress::note(std::string_view text, console::Colour colour) {
     redraw();
 }
 
-void ConsoleProgress::push_label(std::string_view text, int attribute) {
-    labels_.push_back({std::string(text), attribute});
+void ConsoleProgress::push_label(std::string_view text, console::Colour colour) {
+    labels_.push_back({std::string(text), colour});
     redraw();
 }
 
@@ -132,8 +132,7 @@ void ConsoleProgress::draw_label() {
     std::uint64_t columns_now = 0;
     for (const Piece& piece : labels_) {
         const std::string_view shown = cut(piece.text, room - columns_now);
-        console::set_attribute(piece.attribute);
-        console::write(shown);
+        console::write(shown, piece.colour);
         columns_now += console::count_characters(shown);
     }
     columns_now += gap.size();

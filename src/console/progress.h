@@ -24,8 +24,8 @@ class Progress {
     virtual void begin_step(std::string_view title, std::string_view status) = 0;
     // Text that stays on the step's line, after the title ("4,061 terms").
     virtual void note(std::string_view text, console::Colour colour) = 0;
-    // The label stack behind the notes. `attribute` is a console attribute number.
-    virtual void push_label(std::string_view text, int attribute) = 0;
+    // The label stack behind the notes.
+    virtual void push_label(std::string_view text, console::Colour colour) = 0;
     virtual void pop_label() = 0;
     // Ends the step: the label is cleared and the time of the step printed.
     virtual void end_step() = 0;
@@ -36,8 +36,8 @@ class Progress {
 // Removes its label when it goes out of scope, also when an exception passes.
 class ScopedLabel {
   public:
-    ScopedLabel(Progress* progress, std::string_view text, int attribute) : progress_(progress) {
-        if (progress_) progress_->push_label(text, attribute);
+    ScopedLabel(Progress* progress, std::string_view text, console::Colour colour) : progress_(progress) {
+        if (progress_) progress_->push_label(text, colour);
     }
     ~ScopedLabel() {
         if (progress_) progress_->pop_label();
@@ -54,7 +54,7 @@ class SilentProgress : public Progress {
   public:
     void begin_step(std::string_view, std::string_view) override {}
     void note(std::string_view, console::Colour) override {}
-    void push_label(std::string_view, int) override {}
+    void push_label(std::string_view, console::Colour) override {}
     void pop_label() override {}
     void end_step() override {}
     void message(std::string_view, console::Colour) override {}
@@ -72,8 +72,7 @@ class ConsoleProgress : public Progress {
   public:
     void begin_step(std::string_view title, std::string_view status) override;
     void note(std::string_view text, console::Colour colour) override;
-    // The attribute is a colour number as console::set_attribute takes it.
-    void push_label(std::string_view text, int attribute) override;
+    void push_label(std::string_view text, console::Colour colour) override;
     void pop_label() override;
     void end_step() override;
     void message(std::string_view text, console::Colour colour) override;
@@ -81,7 +80,7 @@ class ConsoleProgress : public Progress {
   private:
     struct Piece {
         std::string text;
-        int attribute;
+        console::Colour colour;
     };
     void write_on_line(std::string_view text, console::Colour colour);
     void end_line();
