@@ -1,0 +1,31 @@
+// The word codecs of digit_codecs.h at each instruction-set level, for the choice at run time and for
+// tests. Every level gives the same digits.
+#pragma once
+
+#include <cstdint>
+
+#include "multiply/word.h"
+
+namespace qmp::radix {
+
+struct WordCodecs {
+    const char* level;
+    void (*u64_to_d19)(char* raw, const Word* words, std::uint64_t n);
+    void (*u64_to_d19_text)(char* text, const Word* words, std::uint64_t n);
+    void (*u64_to_h16)(char* raw, const Word* words, std::uint64_t n);
+    void (*u64_to_h16_text)(char* text, const Word* words, std::uint64_t n);
+    void (*u32_to_d8)(char* raw, const std::uint32_t* words, std::uint64_t n);
+    void (*u32_to_d8_text)(char* text, const std::uint32_t* words, std::uint64_t n);
+    void (*u32_to_h8)(char* raw, const std::uint32_t* words, std::uint64_t n);
+    void (*u32_to_h8_text)(char* text, const std::uint32_t* words, std::uint64_t n);
+    void (*d19_to_u64)(Word* words, const char* raw, std::uint64_t n);
+    void (*h16_to_u64)(Word* words, const char* raw, std::uint64_t n);
+};
+
+const WordCodecs& scalar_word_codecs();
+// Needs SSSE3 and SSE4.1.
+const WordCodecs& sse4_word_codecs();
+// The best level of this processor.
+const WordCodecs& word_codecs();
+
+}  // namespace qmp::radix
