@@ -4,6 +4,10 @@ add_library(kelvara_options INTERFACE)
 # Floating-point expressions keep their written rounding: a fused multiply-add appears only where a
 # kernel asks for it, so that plans computed in double precision agree between compilers and levels.
 target_compile_options(kelvara_options INTERFACE -Wall -Wextra -Wshadow -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 reports overlapping copies inside std::string for every "literal" + std::string().
+  target_compile_options(kelvara_options INTERFACE -Wno-restrict)
+endif()
 if(KELVARA_WARNINGS_AS_ERRORS)
   target_compile_options(kelvara_options INTERFACE -Werror)
 endif()
@@ -19,5 +23,5 @@ if(WIN32)
   target_compile_options(kelvara_options INTERFACE -Wa,-muse-unaligned-vector-move)
   target_compile_definitions(kelvara_options INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0A00 NOMINMAX
     WIN32_LEAN_AND_MEAN)
-  target_link_options(kelvara_options INTERFACE -static -static-libgcc -static-libstdc++ -municode)
+  target_link_options(kelvara_options INTERFACE -static -static-libgcc -static-libstdc++)
 endif()

@@ -6,7 +6,6 @@
 // from several threads serialise their own lines.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -26,8 +25,6 @@ void enable_colours(bool enabled);
 bool colours_enabled();
 
 void set_color(Colour colour);
-// Sets a console attribute by its number (progress labels have attributes of their own).
-void set_attribute(int attribute);
 void reset_color();
 
 // Each returns the number of UTF-16 units written. The colour stays in force after write and println.
@@ -48,7 +45,8 @@ std::uint64_t print_label_line(std::string_view label, std::string_view value, C
 constexpr std::uint64_t default_column = 20;
 
 // The label is padded, or cut, to `column` characters, the last of which is always a space.
-std::uint64_t print_column(std::uint64_t column, std::string_view label, std::string_view value, Colour colour = ' ');
+std::uint64_t print_column(std::uint64_t column, std::string_view label, std::string_view value,
+                           Colour colour = ' ');
 std::uint64_t print_column_line(std::uint64_t column, std::string_view label, std::string_view value,
                                 Colour colour = ' ');
 
@@ -58,9 +56,10 @@ std::uint64_t print_right(std::uint64_t width, std::string_view text, Colour col
 void print_pass_fail(bool passed);
 void print_yes_no(bool yes);
 
-// Waits for a key with the system's own prompt. With no keyboard (input is not a console) it returns at
-// once.
+// Shows "Press any key to continue . . . " and waits for a key. Where nobody can press one or nobody sees
+// the prompt (input or output is not a console), it returns at once and prints nothing.
 void pause(Colour colour = 'w');
+// White, a pause, and the end of the process.
 [[noreturn]] void terminate(int exit_code);
 // The text in bright red between empty lines, a pause, and exit code 1.
 [[noreturn]] void fatal_error(std::string_view text);
@@ -73,5 +72,10 @@ std::uint64_t output_counter();
 
 // True when standard output is a console, on which a line can be rewritten.
 bool output_is_console();
+
+// The columns of the console's window; 80 where there is none.
+std::uint64_t window_columns();
+// The characters of a text, which are the columns that it takes on a line.
+std::uint64_t count_characters(std::string_view text);
 
 }  // namespace qmp::console

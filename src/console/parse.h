@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace qmp::console {
@@ -24,5 +25,7 @@ std::int64_t parse_signed(std::string_view text);
 // The keyboard's digit counts: commas are skipped; case-sensitive suffixes m b t (decimal) and
 // K M G T P E (binary).
 std::int64_t parse_digit_count(std::string_view text);
+// The same for answers that may need all 64 bits; nothing when the value is negative or does not fit.
+std::optional<std::uint64_t> parse_unsigned_digit_count(std::string_view text);
 
 }  // namespace qmp::console

@@ -20,7 +20,11 @@ class Algorithm {
     const char* version;
     const char* description;
 
-    // Scratch in bytes that a product of n words needs, with this many tasks. Non-decreasing in n.
+    // Scratch in bytes, with this many tasks, that covers each of these, n in words of the algorithm's kind:
+    // - multiply, upper_product and upper_square of up to n words of (trimmed) product;
+    // - with the parameter object of a convolution of n words: two transformed operands and the scratch of
+    //   one operation, 2 * operand_words + scratch_words.
+    // Non-decreasing in n. Every operation checks what it really needs (BufferTooSmallException).
     virtual std::uint64_t psize(std::uint64_t n, std::uint64_t tasks) const = 0;
     // The same for upper_product_halved.
     virtual std::uint64_t psize_halved(std::uint64_t n, std::uint64_t tasks) const { return psize(n, tasks); }

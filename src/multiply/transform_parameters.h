@@ -22,7 +22,7 @@ class TransformParameters {
 
     std::uint64_t convolution_bits = 0;  // a multiple of 64: the length asked for
     std::uint64_t operand_words = 0;     // of one transformed operand, a multiple of 8
-    std::uint64_t scratch_words = 0;     // that one operation below needs, a multiple of 8
+    std::uint64_t scratch_words = 0;     // that one operation below needs
 
     std::uint64_t convolution_words() const { return convolution_bits / 64; }
 

@@ -60,8 +60,9 @@ class BigFloat {
     // Adds the word w at absolute word position k; exp <= k <= exp + L. Fatal when out of that range.
     void add_ip(Word w, std::int64_t k);
 
-    // Magnitudes: |a| + |b|, and |a| - |b| for |a| >= |b|; the sign becomes 1. The destination overlaps no
-    // operand, here and below.
+    // Magnitudes: |a| + |b|, and |a| - |b| for |a| >= |b|; the sign becomes 1. With one operand zero they
+    // copy the other, its sign included, except that 0 - |b| is a zero with sign 0. The words from
+    // p + 1 below the higher top on are kept. The destination overlaps no operand, here and below.
     void set_uadd(ParallelContext parallel, BigFloatView a, BigFloatView b, std::uint64_t p);
     void set_usub(ParallelContext parallel, BigFloatView a, BigFloatView b, std::uint64_t p);
     void set_add(ParallelContext parallel, BigFloatView a, BigFloatView b, std::uint64_t p);

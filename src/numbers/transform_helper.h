@@ -9,13 +9,16 @@
 namespace qmp {
 
 class TransformHelper {
- public:
+  public:
     // p1 = a x to p1_precision words, p2 = b x to p2_precision words. The destinations overlap nothing.
+    // The convolutions have min(La, p1_precision) + m + 6 and min(Lb, p2_precision) + m + 6 words, with
+    // m = min(max(p1_precision, p2_precision), Lx).
     // Scratch: scratch_words() of it, BufferTooSmallException ("TransformHelper::TransformHelper()")
     // when the context holds less.
     TransformHelper(const MultiplyContext& context, BigFloat& p1, std::uint64_t p1_precision, BigFloat& p2,
                     std::uint64_t p2_precision, BigFloatView a, BigFloatView b, BigFloatView x);
-    // The exact form: both products whole, with their check values.
+    // The exact form: both products whole, with their check values, by convolutions of La + Lx and Lb + Lx
+    // words.
     TransformHelper(const MultiplyContext& context, ExactFloat& p1, ExactFloat& p2, ExactFloatView a,
                     ExactFloatView b, ExactFloatView x);
 

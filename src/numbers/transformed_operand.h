@@ -12,7 +12,7 @@ namespace qmp {
 // A transformed BigFloat (its RAM form, "R"). The buffer and the parameter object belong to the caller
 // and outlive it.
 class BigFloatTransformR {
- public:
+  public:
     const TransformParameters* parameters = nullptr;
     Word* data = nullptr;  // null once consumed
     std::int64_t exp = 0;
@@ -23,13 +23,14 @@ class BigFloatTransformR {
     // parameters.operand_words.
     void forward(const MultiplyContext& context, const TransformParameters& transform, Word* buffer,
                  BigFloatView source);
-    void forward_for_square(const MultiplyContext& context, const TransformParameters& transform, Word* buffer,
-                            BigFloatView source);
+    void forward_for_square(const MultiplyContext& context, const TransformParameters& transform,
+                            Word* buffer, BigFloatView source);
 
     // destination = a * b, of which the words from position te upward are not wanted (the caller knows
     // them or needs none): at most p + 2 words below te. When the product is longer than the convolution by
     // w words, only its words w to n - w are valid and the rest is not delivered. `a` is consumed. The
     // run stops when the parameter objects do not match, or when te asks for words that wrapped around.
+    // Capacity needed: the words delivered. Scratch: parameters.scratch_words.
     static void inverse_fmul(const MultiplyContext& context, BigFloat& destination, BigFloatTransformR& a,
                              const BigFloatTransformR& b, std::int64_t te, std::uint64_t p);
     static void inverse_fsqr(const MultiplyContext& context, BigFloat& destination, BigFloatTransformR& a,
@@ -38,7 +39,7 @@ class BigFloatTransformR {
 
 // A transformed ExactFloat: carries the check value instead of a sign.
 class ExactFloatTransformR {
- public:
+  public:
     const TransformParameters* parameters = nullptr;
     Word* data = nullptr;
     std::int64_t exp = 0;
@@ -47,17 +48,18 @@ class ExactFloatTransformR {
 
     void forward(const MultiplyContext& context, const TransformParameters& transform, Word* buffer,
                  ExactFloatView source);
-    void forward_for_square(const MultiplyContext& context, const TransformParameters& transform, Word* buffer,
-                            ExactFloatView source);
+    void forward_for_square(const MultiplyContext& context, const TransformParameters& transform,
+                            Word* buffer, ExactFloatView source);
 
     // The full product. InvalidParametersException when the objects do not match or the convolution is too
     // short. `a` is consumed.
     static void inverse_fmul(const MultiplyContext& context, ExactFloat& destination, ExactFloatTransformR& a,
                              const ExactFloatTransformR& b);
-    // The same with the exponent given by the caller.
+    // The same words with the exponent given by the caller; the check value is that of the value so denoted.
     static void inverse_fmul(const MultiplyContext& context, ExactFloat& destination, ExactFloatTransformR& a,
                              const ExactFloatTransformR& b, std::int64_t exp);
-    static void inverse_fsqr(const MultiplyContext& context, ExactFloat& destination, ExactFloatTransformR& a);
+    static void inverse_fsqr(const MultiplyContext& context, ExactFloat& destination,
+                             ExactFloatTransformR& a);
 };
 
 }  // namespace qmp

@@ -51,6 +51,10 @@ class BasicParallelizer : public ComponentSettings {
 
     // Worker-thread limit; 0 is unlimited.
     std::uint64_t threads = 0;
+
+ protected:
+    // What the framework adds to its summary: "  (randomization on)".
+    virtual std::string summary_remark() const { return {}; }
 };
 
 }  // namespace qmp

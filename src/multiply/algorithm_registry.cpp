@@ -1,0 +1,33 @@
+// Which algorithms there are. A new one is one more line here, and one in the lists of the tables.
+#include <array>
+#include <map>
+#include <string>
+
+#include "multiply/algorithm_table.h"
+#include "multiply/basecase/basecase_algorithm.h"
+
+namespace qmp {
+namespace {
+
+// In the order of WordKind: basic 32, basic 64, swap 32, swap 64.
+using Kinds = std::array<const Algorithm*, 4>;
+using Registry = std::map<std::string, Kinds>;
+
+const Registry& registry() {
+    static const Registry algorithms = {
+        {"BKT", {&basecase::algorithm32(), &basecase::algorithm64(), nullptr, nullptr}},
+        {"C17", {nullptr, nullptr, nullptr, nullptr}},
+    };
+    return algorithms;
+}
+
+}  // namespace
+
+const Algorithm* find_algorithm(const char* key, WordKind kind, bool* known) {
+    const auto found = registry().find(key);
+    const bool exists = found != registry().end();
+    if (known) *known = exists;
+    return exists ? found->second[static_cast<std::size_t>(kind)] : nullptr;
+}
+
+}  // namespace qmp

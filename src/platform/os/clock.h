@@ -1,0 +1,36 @@
+// Clocks: the performance counter, the process's processor time, the local date, the time-stamp counter.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace qmp::os {
+
+// Readings of the system's monotonic high-resolution counter and its ticks per second; nothing on
+// failure.
+std::optional<std::int64_t> performance_counter();
+std::optional<std::int64_t> performance_frequency();
+
+// Processor time of all threads of the process so far, in units of 100 ns.
+struct ProcessTimes {
+    std::uint64_t user = 0;
+    std::uint64_t kernel = 0;
+};
+std::optional<ProcessTimes> process_times();
+
+struct LocalTime {
+    int year = 0;
+    int month = 0;        // 1 to 12
+    int day = 0;          // 1 to 31
+    int day_of_week = 0;  // 0 is Sunday
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int millisecond = 0;
+};
+LocalTime local_time();
+
+// The processor's own counter (RDTSC), not serialised against other instructions.
+std::uint64_t time_stamp_counter();
+
+}  // namespace qmp::os

@@ -1,0 +1,147 @@
+#include "platform/os/file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <limits>
+
+#include "platform/os/linux/errno_codes.h"
+
+namespace qmp::os {
+namespace {
+
+int descriptor_of(std::intptr_t handle) {
+    return static_cast<int>(handle);
+}
+
+int open_retrying(const std::string& path, int flags) {
+    int descriptor;
+    do {
+        descriptor = open(path.c_str(), flags | O_CLOEXEC, 0666);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+// Claims the file among the program's own processes, as an exclusive open does elsewhere. A file system
+// without locks is used without.
+bool claimed(int descriptor, int operation) {
+    return flock(descriptor, operation | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool is_directory(int descriptor) {
+    struct stat status;
+    return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Opens, and claims; closes again and reports the error where that fails.
+ErrorCode open_claimed(const std::string& path, int flags, int operation, std::intptr_t& handle) {
+    const int descriptor = open_retrying(path, flags);
+    if (descriptor < 0) return code_of_errno(errno);
+    ErrorCode error = no_error;
+    if (is_directory(descriptor)) {
+        error = access_denied;
+    } else if (!claimed(descriptor, operation)) {
+        error = sharing_violation;
+    } else if ((flags & O_CREAT) != 0 && ftruncate(descriptor, 0) != 0) {
+        error = code_of_errno(errno, write_fault);
+    }
+    if (error != no_error) {
+        ::close(descriptor);
+        return error;
+    }
+    handle = descriptor;
+    return no_error;
+}
+
+// Runs `call(done, count)` until `bytes` are moved, it moves nothing, or it fails.
+template <typename Call>
+Transfer transfer(std::uint64_t bytes, ErrorCode fault, Call call) {
+    Transfer result;
+    while (result.bytes < bytes) {
+        const ssize_t moved = call(result.bytes, std::min(bytes - result.bytes, largest_transfer));
+        if (moved > 0) {
+            result.bytes += static_cast<std::uint64_t>(moved);
+        } else if (moved == 0) {
+            break;
+        } else if (errno != EINTR) {
+            result.error = code_of_errno(errno, fault);
+            break;
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+ErrorCode File::create(const std::string& path) {
+    close();
+    // Emptied only after the claim: another process's open file must not lose its content.
+    return open_claimed(path, O_RDWR | O_CREAT | O_DSYNC, LOCK_EX, handle_);
+}
+
+ErrorCode File::open(const std::string& path) {
+    close();
+    return open_claimed(path, O_RDONLY, LOCK_SH, handle_);
+}
+
+ErrorCode File::close() {
+    if (!is_open()) return no_error;
+    const int descriptor = descriptor_of(handle_);
+    handle_ = closed;
+    // The descriptor is gone even when the call was interrupted.
+    return ::close(descriptor) == 0 || errno == EINTR ? no_error : code_of_errno(errno, write_fault);
+}
+
+Transfer File::read(void* buffer, std::uint64_t bytes) {
+    return transfer(bytes, read_fault, [&](std::uint64_t done, std::uint64_t count) {
+        return ::read(descriptor_of(handle_), static_cast<char*>(buffer) + done, count);
+    });
+}
+
+Transfer File::write(const void* buffer, std::uint64_t bytes) {
+    Transfer result = transfer(bytes, write_fault, [&](std::uint64_t done, std::uint64_t count) {
+        return ::write(descriptor_of(handle_), static_cast<const char*>(buffer) + done, count);
+    });
+    if (result.bytes < bytes && result.error == no_error) result.error = disk_full;
+    return result;
+}
+
+ErrorCode File::seek(std::uint64_t offset) {
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return invalid_parameter;
+    return lseek(descriptor_of(handle_), static_cast<off_t>(offset), SEEK_SET) >= 0 ? no_error
+                                                                                    : code_of_errno(errno);
+}
+
+ErrorCode File::size(std::uint64_t& bytes) const {
+    struct stat status;
+    if (fstat(descriptor_of(handle_), &status) != 0) return code_of_errno(errno, read_fault);
+    bytes = static_cast<std::uint64_t>(status.st_size);
+    return no_error;
+}
+
+ErrorCode file_size(const std::string& path, std::uint64_t& bytes) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return code_of_errno(errno, read_fault);
+    bytes = static_cast<std::uint64_t>(status.st_size);
+    return no_error;
+}
+
+ErrorCode remove_file(const std::string& path) {
+    return unlink(path.c_str()) == 0 ? no_error : code_of_errno(errno, write_fault);
+}
+
+ErrorCode rename_file(const std::string& from, const std::string& to) {
+    return std::rename(from.c_str(), to.c_str()) == 0 ? no_error : code_of_errno(errno, write_fault);
+}
+
+bool directory_exists(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace qmp::os
