@@ -34,7 +34,7 @@ struct Integer {
         EXPECT_TRUE(number.L == 0 || number.T[number.L - 1] != 0);
         EXPECT_EQ(number.hash, check_value_of(number.T, number.L, 0));
     }
-    GuardedWords buffer;
+    WatchedWords buffer;
     BasicInt number;
 };
 

@@ -18,42 +18,44 @@ using Words = std::vector<qmp::Word>;
 
 constexpr qmp::Word all_ones = ~qmp::Word{0};
 
-// Fails its test when a word outside was written.
-class GuardedWords {
+// Garbage words, 64-byte aligned. Fails its test when a word around them was written.
+class WatchedWords {
   public:
-    explicit GuardedWords(std::uint64_t words) : words_(words + 2 * guard, guard_word), size_(words) {
-        fill_garbage(data(), size_);
+    explicit WatchedWords(std::uint64_t words) : words_(words + 2 * guard + 8, guard_word), size_(words) {
+        const auto address = reinterpret_cast<std::uintptr_t>(words_.data() + guard);
+        data_ = words_.data() + guard + (64 - address % 64) % 64 / sizeof(qmp::Word);
+        fill_garbage(data_, size_);
     }
-    ~GuardedWords() { check(); }
-    GuardedWords(const GuardedWords&) = delete;
-    GuardedWords& operator=(const GuardedWords&) = delete;
-
-    qmp::Word* data() { return words_.data() + guard; }
-    std::uint64_t size() const { return size_; }
-    void check() const {
-        for (std::uint64_t i = 0; i < guard; ++i) {
-            EXPECT_EQ(words_[i], guard_word) << "written below the buffer";
-            EXPECT_EQ(words_[guard + size_ + i], guard_word) << "written above the buffer";
+    ~WatchedWords() {
+        for (const qmp::Word* w = words_.data(); w < data_; ++w) EXPECT_EQ(*w, guard_word) << "below";
+        for (const qmp::Word* w = data_ + size_; w < words_.data() + words_.size(); ++w) {
+            EXPECT_EQ(*w, guard_word) << "above";
         }
     }
+    WatchedWords(const WatchedWords&) = delete;
+    WatchedWords& operator=(const WatchedWords&) = delete;
+
+    qmp::Word* data() { return data_; }
+    std::uint64_t size() const { return size_; }
 
   private:
     static constexpr std::uint64_t guard = 8;
     static constexpr qmp::Word guard_word = 0x0123456789abcdef;
     Words words_;
+    qmp::Word* data_;
     std::uint64_t size_;
 };
 
 // A BigFloat with a buffer of exactly this capacity.
 struct GuardedBigFloat {
     explicit GuardedBigFloat(std::uint64_t capacity) : buffer(capacity), number(buffer.data(), capacity) {}
-    GuardedWords buffer;
+    WatchedWords buffer;
     qmp::BigFloat number;
 };
 
 struct GuardedExactFloat {
     explicit GuardedExactFloat(std::uint64_t capacity) : buffer(capacity), number(buffer.data(), capacity) {}
-    GuardedWords buffer;
+    WatchedWords buffer;
     qmp::ExactFloat number;
 };
 
@@ -92,15 +94,10 @@ inline qmp::ExactFloatView exact_view(const Words& words, std::int64_t exp = 0) 
 
 // A context for products of up to 58 words, which need no twiddle tables.
 struct SmallProducts {
-    SmallProducts() : scratch(4096) {}
     qmp::MultiplyContext context() {
-        return {qmp::ParallelContext::sequential(), nullptr, aligned(), scratch.size() - 8};
+        return {qmp::ParallelContext::sequential(), nullptr, scratch.data(), scratch.size()};
     }
-    qmp::Word* aligned() {
-        const auto address = reinterpret_cast<std::uintptr_t>(scratch.data());
-        return scratch.data() + (64 - address % 64) % 64 / sizeof(qmp::Word);
-    }
-    Words scratch;
+    WatchedWords scratch{4096};
 };
 
 }  // namespace kelvara_test

@@ -44,7 +44,7 @@ TEST(ParallelCopy, BlocksAndTheirEdges) {
           Case{100000, 4, 4}, Case{100000, 64, 7}}) {
         Random random(c.words);
         const Words source = make_words(random, c.words);
-        GuardedWords destination(c.words);
+        WatchedWords destination(c.words);
         CountingParallelizer framework;
         qmp::parallel_copy({c.tasks, &framework}, destination.data(), source.data(), c.words);
         EXPECT_TRUE(Words(destination.data(), destination.data() + c.words) == source);
@@ -59,7 +59,7 @@ TEST(WordMultiply, TasksAndTheirLimits) {
     for (const Case& c : {Case{19999, 8, 0}, Case{20000, 8, 0}, Case{20001, 8, 2}, Case{20001, 1, 0},
                           Case{160000, 8, 8}, Case{160000, 1000, 8}, Case{1300000, 1000, 64}}) {
         const Words source(c.words, all_ones);
-        GuardedWords destination(c.words);
+        WatchedWords destination(c.words);
         CountingParallelizer framework;
         const Word top =
             qmp::multiply_by_word({c.tasks, &framework}, destination.data(), source.data(), c.words, 3);
@@ -105,7 +105,7 @@ TEST(WordMultiply, ACarryRunsThroughBlocksOfAllOnes) {
     ASSERT_EQ(expected[20001], 0u);
     ASSERT_EQ(expected_top, 1u);
     CountingParallelizer framework;
-    GuardedWords destination(n);
+    WatchedWords destination(n);
     EXPECT_EQ(qmp::multiply_by_word({4, &framework}, destination.data(), a.data(), n, 3), expected_top);
     EXPECT_EQ(framework.tasks, 4u);
     EXPECT_TRUE(Words(destination.data(), destination.data() + n) == expected);
