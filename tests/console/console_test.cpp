@@ -25,8 +25,9 @@ TEST(Console, AttributesOfTheColourLetters) {
     const struct {
         Colour letter;
         int attribute;
-    } cases[] = {{'B', 9}, {'G', 10}, {'T', 11}, {'R', 12}, {'P', 13}, {'Y', 14}, {'b', 1},  {'g', 2},  {'t', 3},
-                 {'r', 4}, {'p', 5},  {'y', 6},  {'w', 7},  {'W', 7},  {'x', 7},  {'\0', 7}, {' ', -1}};
+    } cases[] = {{'B', 9}, {'G', 10}, {'T', 11}, {'R', 12}, {'P', 13}, {'Y', 14},
+                 {'b', 1}, {'g', 2},  {'t', 3},  {'r', 4},  {'p', 5},  {'y', 6},
+                 {'w', 7}, {'W', 7},  {'x', 7},  {'\0', 7}, {' ', -1}};
     for (const auto& one : cases) EXPECT_EQ(colour_attribute(one.letter), one.attribute) << one.letter;
 }
 

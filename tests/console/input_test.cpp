@@ -26,12 +26,15 @@ auto answer_to(std::string_view typed, Reader&& read, std::string* printed = nul
 
 std::uint64_t times(const std::string& text, const std::string& part) {
     std::uint64_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
     return count;
 }
 
 TEST(Input, ReadsLinesOfEitherSystem) {
-    const FedInput input("\xef\xbb\xbf" "first\r\nsecond\n\n \u20ac\U0001f600 \t\nlast");
+    const FedInput input(
+        "\xef\xbb\xbf"
+        "first\r\nsecond\n\n \u20ac\U0001f600 \t\nlast");
     EXPECT_EQ(read_line_or_end(), "first");
     EXPECT_EQ(read_line_or_end(), "second");
     EXPECT_EQ(read_line_or_end(), "");
@@ -57,7 +60,9 @@ TEST(Input, ReplacesMalformedInput) {
 
 TEST(Input, LabelledLines) {
     std::string printed;
-    EXPECT_EQ(answer_to("C:\\digits\n", [] { return read_labelled_line("Path", 'T'); }, &printed), "C:\\digits");
+    EXPECT_EQ(answer_to(
+                  "C:\\digits\n", [] { return read_labelled_line("Path", 'T'); }, &printed),
+              "C:\\digits");
     EXPECT_EQ(printed, "Path: ");
 }
 
@@ -68,9 +73,12 @@ TEST(Input, Integers) {
 }
 
 TEST(Input, AsksAgainUntilTheAnswerIsInRange) {
-    const std::string garbage = "\nletters\n-5\n0\n10\n99999999999999999999999999\n-99999999999999999999999999\n\xff\n";
+    const std::string garbage =
+        "\nletters\n-5\n0\n10\n99999999999999999999999999\n-99999999999999999999999999\n\xff\n";
     std::string printed;
-    EXPECT_EQ(answer_to(garbage + "7th\n", [] { return read_int_in_range("option: ", 1, 9, 'T'); }, &printed), 7);
+    EXPECT_EQ(answer_to(
+                  garbage + "7th\n", [] { return read_int_in_range("option: ", 1, 9, 'T'); }, &printed),
+              7);
     EXPECT_EQ(times(printed, "option: "), 9u);
 }
 
@@ -90,7 +98,8 @@ TEST(Input, DigitCountsInRange) {
 
 TEST(Input, TheDigitCountScreen) {
     std::string printed;
-    EXPECT_EQ(answer_to("250m\n", [] { return ask_digit_count("Decimal Digits: ", 100, 1'000'000'000); }, &printed),
+    EXPECT_EQ(answer_to(
+                  "250m\n", [] { return ask_digit_count("Decimal Digits: ", 100, 1'000'000'000); }, &printed),
               250'000'000u);
     EXPECT_EQ(printed,
               "Enter the number of digits: (e.g. \"1000000\", \"25m\", \"10b\")\n\n"

@@ -55,9 +55,9 @@ TEST(Process, GivesTheSystemsTextForAnErrorCode) {
 
 TEST(Process, WritesADumpWithoutACrash) {
     const std::string path =
-        (std::filesystem::temp_directory_path() / ("kelvara-dump-test-" + std::to_string(std::hash<std::thread::id>{}(
-                                                                              std::this_thread::get_id())) +
-                                                   ".dmp"))
+        (std::filesystem::temp_directory_path() /
+         ("kelvara-dump-test-" + std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id())) +
+          ".dmp"))
             .string();
     const DumpOutcome outcome = write_crash_dump(path.c_str(), nullptr);
     EXPECT_EQ(outcome.result, DumpResult::written) << system_error_text(outcome.error_code);
