@@ -29,7 +29,7 @@ class ProgramTest(unittest.TestCase):
         done = subprocess.run(
             PROGRAM + list(arguments), stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
             timeout=300, check=False, **options)
-        return done.returncode, done.stdout.decode("utf-8").replace("\r\n", "\n")
+        return done.returncode, done.stdout.decode("utf-8", "replace").replace("\r\n", "\n")
 
     def assert_refused(self, text, *arguments, exit_code=0):
         """The program answers `text` and computes nothing."""
@@ -68,4 +68,4 @@ def run_in_terminal(arguments, keys=b"", seconds=120):
 
 def without_colours(screen):
     """The text of a screen, without colour and cursor sequences."""
-    return re.sub(rb"\x1b\[[0-9;?]*[A-Za-z]", b"", screen).decode("utf-8").replace("\r\n", "\n")
+    return re.sub(rb"\x1b\[[0-9;?]*[A-Za-z]", b"", screen).decode("utf-8", "replace").replace("\r\n", "\n")
