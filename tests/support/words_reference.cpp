@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "multiply/algorithm_table.h"
 #include "support/random_words.h"
-#include "support/twiddle_memory.h"
 
 namespace kelvara_test {
 namespace {
@@ -25,13 +23,6 @@ std::vector<qmp::Word> reference_product(const std::vector<qmp::Word>& a, const 
         result[a.size() + j] = carry;
     }
     return result;
-}
-
-const qmp::TwiddleSet& shared_twiddles() {
-    // Larger tables are built where a test needs them.
-    static const TwiddleMemory twiddles(
-        std::min<std::uint64_t>(qmp::basic_table_64().largest_product(), 20480));
-    return *twiddles.get();
 }
 
 GuardedWords::GuardedWords(std::uint64_t n) : n_(n), storage_(n + guard_words + 8, garbage) {
