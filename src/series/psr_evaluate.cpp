@@ -25,8 +25,8 @@ struct Fold {
     BigFloat product;  // over the second exact buffer
     BigFloat sum;      // over the first one
 
-    BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(p + 2); }
-    std::uint64_t convolution(std::uint64_t longest_product) const { return longest_product + 6; }
+    std::uint64_t kept() const { return p + big_float_extra_precision; }
+    BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(kept()); }
     // P = product +- P.
     void finish() {
         if (subtract) {
@@ -43,7 +43,7 @@ void fold_block(const BSS_P2B2_BBP&, Fold& fold, const BSS_P2B2_BBP::Buffers& bl
     const BigFloatView P0 = fold.cut(block[0]);
     const BigFloatView Q0 = fold.cut(block[1]);
     const std::uint64_t longest = std::max({P0.L + fold.Q.L, Q0.L + fold.Q.L, Q0.L + fold.P.L});
-    FloatTransformPair pair(fold.context, fold.convolution(longest));
+    FloatTransformPair pair(fold.context, longest + fold_guard_words);
     pair.load(0, Q0);
     pair.load(1, fold.P);
     pair.multiply(fold.P, 1, fold.p);
@@ -60,13 +60,13 @@ void fold_block(const BSS_P2B3_Type0&, Fold& fold, const BSS_P2B3_Type0::Buffers
     const BigFloatView Q0 = fold.cut(block[1]);
     const BigFloatView R0 = fold.cut(block[2]);
     {
-        FloatTransformPair pair(fold.context, fold.convolution(R0.L + fold.P.L));
+        FloatTransformPair pair(fold.context, R0.L + fold.P.L + fold_guard_words);
         pair.load(0, R0);
         pair.load(1, fold.P);
         pair.multiply(fold.P, 1, fold.p);
     }
     {
-        FloatTransformPair pair(fold.context, fold.convolution(fold.Q.L + std::max(P0.L, Q0.L)));
+        FloatTransformPair pair(fold.context, fold.Q.L + std::max(P0.L, Q0.L) + fold_guard_words);
         pair.load(0, fold.Q);
         pair.load(1, Q0);
         pair.multiply(fold.Q, 1, fold.p);
@@ -88,25 +88,9 @@ typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
     return out;
 }
 
-}  // namespace
-
-PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
-    exact[0] = context.allocate(2 * sizes.exact_words);
-    running[1] = context.allocate(sizes.running_words);
-    running[0] = context.allocate(sizes.running_words);
-    exact[1] = context.allocate(2 * sizes.exact_words);
-    scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
-}
-
-void PsrMemory::release_temporaries() {
-    scratch.reset();
-    exact[1].reset();
-    running[0].reset();
-}
-
 template <typename Series>
-void B_PSR(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
-           std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+void evaluate(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
+              std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
     P = BigFloat(memory.running[0].data(), memory.running[0].words());
     Q = BigFloat(memory.running[1].data(), memory.running[1].words());
     const std::uint64_t total = plan.blocks.size() - first;
@@ -132,8 +116,8 @@ void B_PSR(const Series& series, const MultiplyContext& context, Progress* progr
             continue;
         }
         const std::uint64_t p = block.precision_at_a;
-        P.truncate_to(p + 2);
-        Q.truncate_to(p + 2);
+        P.truncate_to(p + big_float_extra_precision);
+        Q.truncate_to(p + big_float_extra_precision);
         ScopedLabel merge(progress, "-  ", label_colour);
         ScopedLabel size(progress, console::format_separated(word_to_dec(Q0.L + Q.L)), label_size_colour);
         Fold fold = {context,
@@ -147,9 +131,30 @@ void B_PSR(const Series& series, const MultiplyContext& context, Progress* progr
     }
 }
 
-template void B_PSR(const BSS_P2B2_BBP&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
-                    PsrMemory&, BigFloat&, BigFloat&);
-template void B_PSR(const BSS_P2B3_Type0&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
-                    PsrMemory&, BigFloat&, BigFloat&);
+}  // namespace
+
+PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
+    exact[0] = context.allocate(2 * sizes.exact_words);
+    running[1] = context.allocate(sizes.running_words);
+    running[0] = context.allocate(sizes.running_words);
+    exact[1] = context.allocate(2 * sizes.exact_words);
+    scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
+}
+
+void PsrMemory::release_temporaries() {
+    scratch.reset();
+    exact[1].reset();
+    running[0].reset();
+}
+
+void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    evaluate(series, context, progress, plan, first, memory, P, Q);
+}
+
+void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    evaluate(series, context, progress, plan, first, memory, P, Q);
+}
 
 }  // namespace qmp

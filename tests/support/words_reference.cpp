@@ -4,6 +4,7 @@
 
 #include "multiply/algorithm_table.h"
 #include "support/random_words.h"
+#include "support/twiddle_memory.h"
 
 namespace kelvara_test {
 namespace {
@@ -28,12 +29,9 @@ std::vector<qmp::Word> reference_product(const std::vector<qmp::Word>& a, const 
 
 const qmp::TwiddleSet& shared_twiddles() {
     // Larger tables are built where a test needs them.
-    static const std::uint64_t product =
-        std::min<std::uint64_t>(qmp::basic_table_64().largest_product(), 20480);
-    static const std::uint64_t bytes = qmp::TwiddleSet::bytes_needed(product);
-    static GuardedWords memory((bytes + 7) / 8);
-    static const qmp::TwiddleSet twiddles(memory.data(), bytes, product, qmp::ParallelContext::sequential());
-    return twiddles;
+    static const TwiddleMemory twiddles(
+        std::min<std::uint64_t>(qmp::basic_table_64().largest_product(), 20480));
+    return *twiddles.get();
 }
 
 GuardedWords::GuardedWords(std::uint64_t n) : n_(n), storage_(n + guard_words + 8, garbage) {
