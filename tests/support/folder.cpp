@@ -2,8 +2,6 @@
 
 #include <random>
 
-#include "support/console.h"
-
 namespace kelvara_test {
 
 TemporaryFolder::TemporaryFolder()
@@ -20,10 +18,6 @@ TemporaryFolder::~TemporaryFolder() {
 std::string TemporaryFolder::path() const {
     const std::u8string text = folder_.generic_u8string();
     return {text.begin(), text.end()};
-}
-
-void no_keyboard() {
-    type_lines("");
 }
 
 }  // namespace kelvara_test

@@ -1,7 +1,6 @@
-// A folder of a test's own, and an input without keyboard.
+// A folder of a test's own.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -23,8 +22,5 @@ class TemporaryFolder {
   private:
     std::filesystem::path folder_;
 };
-
-// Standard input becomes an empty file.
-void no_keyboard();
 
 }  // namespace kelvara_test

@@ -9,6 +9,7 @@
 #include "errors/file_exception.h"
 #include "support/fatal.h"
 #include "support/folder.h"
+#include "support/standard_streams.h"
 
 namespace {
 
@@ -109,7 +110,7 @@ TEST_F(SequentialFiles, FailuresCarryPathAndCode) {
 }
 
 TEST_F(SequentialFiles, ARetryWithoutKeyboardThrows) {
-    kelvara_test::no_keyboard();
+    const kelvara_test::FedInput no_keyboard("");
     SequentialFile file;
     EXPECT_EQ(failure_of([&] { file.open(path("none.txt"), true); }, path("none.txt"), 2),
               "Unable to open file.");
@@ -180,7 +181,7 @@ TEST_F(SequentialFiles, RenameReplacesItsTarget) {
 }
 
 TEST_F(SequentialFiles, ARenameThatCannotSucceedThrowsWithoutKeyboard) {
-    kelvara_test::no_keyboard();
+    const kelvara_test::FedInput no_keyboard("");
     EXPECT_EQ(failure_of([&] { qmp::FileIO::rename_with_retries(path("none.txt"), path("b.txt")); },
                          path("b.txt"), 2),
               "Unable to rename file.");

@@ -33,7 +33,7 @@ TEST(AllocatorRegistry, RefusesUnknownKeys) {
 }
 
 TEST(AllocatorMenu, ListsAndMakesTheChosenOne) {
-    kelvara_test::type_lines("1\n0\n");
+    const kelvara_test::FedInput typed("1\n0\n");
     std::unique_ptr<qmp::BasicAllocator> chosen;
     EXPECT_EQ(printed_by([&] { chosen = qmp::select_allocator(); }),
               "Select a Memory Allocator:\n\n   0    C malloc()\n\noption: option: ");

@@ -14,7 +14,6 @@
 namespace {
 
 using kelvara_test::printed_by;
-using kelvara_test::type_lines;
 
 template <typename Exception, typename Function>
 std::string message_of(Function&& function) {
@@ -73,7 +72,7 @@ TEST(TaskDecomposition, LiesBetween1And65536) {
 }
 
 TEST(TaskDecomposition, ThePromptRepeatsUntilTheAnswerIsInRange) {
-    type_lines("0\n65537\n-1\nabc\n65536\n");
+    const kelvara_test::FedInput typed("0\n65537\n-1\nabc\n65536\n");
     std::uint64_t answer = 0;
     const std::string text = printed_by([&] { answer = qmp::ask_task_decomposition(); });
     EXPECT_EQ(answer, 65536u);
@@ -118,7 +117,7 @@ TEST(PushPoolMenu, ShowsLimitAndRandomization) {
 
 TEST(PushPoolMenu, TheWorkerLimitIsAtMost65536) {
     qmp::PushPoolParallelizer pool;
-    type_lines("70000\n-5\n65536\n0\n");
+    const kelvara_test::FedInput typed("70000\n-5\n65536\n0\n");
     EXPECT_EQ(printed_by([&] { pool.handle_menu_option(4); }), "Threads (0 for unlimited threads): ");
     EXPECT_EQ(pool.threads, 65536u);
     printed_by([&] { pool.handle_menu_option(4); });
@@ -137,7 +136,7 @@ TEST(PushPoolMenu, OptionFiveToggles) {
 }
 
 TEST(FrameworkMenu, ListsAndMakesTheChosenOne) {
-    type_lines("2\n-1\n1\n");
+    const kelvara_test::FedInput typed("2\n-1\n1\n");
     std::unique_ptr<qmp::BasicParallelizer> chosen;
     EXPECT_EQ(printed_by([&] { chosen = qmp::select_parallelizer(); }),
               "Select a Parallel Framework:\n\n"
@@ -151,7 +150,7 @@ TEST(ParallelizationMenu, ShowsTheSettingsAndCarriesOutTheOptions) {
     const std::string cores = std::to_string(qmp::default_task_decomposition());
     std::uint64_t tasks = 77;
     std::unique_ptr<qmp::BasicParallelizer> framework = std::make_unique<qmp::SerialParallelizer>();
-    type_lines("0\n");
+    const kelvara_test::FedInput typed("0\n");
     EXPECT_EQ(printed_by([&] { qmp::edit_parallelization(tasks, framework); }),
               "\n\nParallelization Mode:\n\n"
               "The purpose of this feature is to test the performance of various parallel\n"
@@ -172,11 +171,11 @@ TEST(ParallelizationMenu, ShowsTheSettingsAndCarriesOutTheOptions) {
     EXPECT_EQ(tasks, 77u);
 
     // Framework, its own option, tasks; 4 was no option before the Push Pool was chosen.
-    type_lines("4\n3\n1\n4\n9\n2\n33\n0\n");
+    const kelvara_test::FedInput typed_2("4\n3\n1\n4\n9\n2\n33\n0\n");
     printed_by([&] { qmp::edit_parallelization(tasks, framework); });
     EXPECT_EQ(framework->to_string(tasks), "Push Pool  ->  33 / 9  (randomization on)");
 
-    type_lines("1\n0\n");
+    const kelvara_test::FedInput typed_3("1\n0\n");
     printed_by([&] { qmp::edit_parallelization(tasks, framework); });
     EXPECT_EQ(framework->to_string(tasks), "Push Pool  ->  " + cores + " / ?  (randomization on)");
 }
