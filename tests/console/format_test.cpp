@@ -45,8 +45,8 @@ TEST(Format, ByteCountsHaveThreeDigits) {
     } cases[] = {
         {1'000, "0.98 KiB"},
         {1'013, "0.99 KiB"},
-        {1'018, "0.99 KiB"},   // 994 thousandths
-        {1'019, "1.00 KiB"},   // 995
+        {1'018, "0.99 KiB"},  // 994 thousandths
+        {1'019, "1.00 KiB"},  // 995
         {1'023, "1.00 KiB"},
         {1'024, "1.00 KiB"},
         {1'536, "1.50 KiB"},

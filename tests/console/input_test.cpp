@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/standard_streams.h"
 
 namespace qmp::console {
@@ -26,12 +24,15 @@ auto answer_to(std::string_view typed, Reader&& read, std::string* printed = nul
 
 std::uint64_t times(const std::string& text, const std::string& part) {
     std::uint64_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
     return count;
 }
 
 TEST(Input, ReadsLinesOfEitherSystem) {
-    const FedInput input("\xef\xbb\xbf" "first\r\nsecond\n\n \u20ac\U0001f600 \t\nlast");
+    const FedInput input(
+        "\xef\xbb\xbf"
+        "first\r\nsecond\n\n \u20ac\U0001f600 \t\nlast");
     EXPECT_EQ(read_line_or_end(), "first");
     EXPECT_EQ(read_line_or_end(), "second");
     EXPECT_EQ(read_line_or_end(), "");
@@ -57,7 +58,9 @@ TEST(Input, ReplacesMalformedInput) {
 
 TEST(Input, LabelledLines) {
     std::string printed;
-    EXPECT_EQ(answer_to("C:\\digits\n", [] { return read_labelled_line("Path", 'T'); }, &printed), "C:\\digits");
+    EXPECT_EQ(answer_to(
+                  "C:\\digits\n", [] { return read_labelled_line("Path", 'T'); }, &printed),
+              "C:\\digits");
     EXPECT_EQ(printed, "Path: ");
 }
 
@@ -68,9 +71,12 @@ TEST(Input, Integers) {
 }
 
 TEST(Input, AsksAgainUntilTheAnswerIsInRange) {
-    const std::string garbage = "\nletters\n-5\n0\n10\n99999999999999999999999999\n-99999999999999999999999999\n\xff\n";
+    const std::string garbage =
+        "\nletters\n-5\n0\n10\n99999999999999999999999999\n-99999999999999999999999999\n\xff\n";
     std::string printed;
-    EXPECT_EQ(answer_to(garbage + "7th\n", [] { return read_int_in_range("option: ", 1, 9, 'T'); }, &printed), 7);
+    EXPECT_EQ(answer_to(
+                  garbage + "7th\n", [] { return read_int_in_range("option: ", 1, 9, 'T'); }, &printed),
+              7);
     EXPECT_EQ(times(printed, "option: "), 9u);
 }
 
@@ -90,7 +96,8 @@ TEST(Input, DigitCountsInRange) {
 
 TEST(Input, TheDigitCountScreen) {
     std::string printed;
-    EXPECT_EQ(answer_to("250m\n", [] { return ask_digit_count("Decimal Digits: ", 100, 1'000'000'000); }, &printed),
+    EXPECT_EQ(answer_to(
+                  "250m\n", [] { return ask_digit_count("Decimal Digits: ", 100, 1'000'000'000); }, &printed),
               250'000'000u);
     EXPECT_EQ(printed,
               "Enter the number of digits: (e.g. \"1000000\", \"25m\", \"10b\")\n\n"
@@ -114,30 +121,6 @@ TEST(Input, TheMemoryCapScreen) {
               "Bytes: ");
     EXPECT_EQ(answer_to("99999E\n", ask_memory_cap), largest_memory_cap);
 }
-
-#if GTEST_HAS_DEATH_TEST
-TEST(InputDeathTest, TheEndOfInputEndsTheProgram) {
-    const std::string message = "There is no more input: the program ends here.\n";
-    const std::vector<void (*)()> readers = {
-        [] { read_line('T'); },
-        [] { read_int_in_range("option: ", 1, 9); },
-        [] { read_digit_count_in_range("digits: ", 100, 200); },
-        [] { ask_memory_cap(); },
-    };
-    for (const auto read : readers) {
-        const FedInput input("");
-        CapturedOutput output;
-        EXPECT_EXIT(read(), testing::ExitedWithCode(1), "");
-        const std::string printed = output.finish();
-        EXPECT_EQ(times(printed, message), 1u) << printed;
-        EXPECT_TRUE(printed.ends_with(message)) << printed;
-    }
-    const FedInput input("-1\n99\n");
-    CapturedOutput output;
-    EXPECT_EXIT(read_int_in_range("option: ", 1, 9), testing::ExitedWithCode(1), "");
-    EXPECT_EQ(times(output.finish(), "option: "), 3u);
-}
-#endif
 
 }  // namespace
 }  // namespace qmp::console

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <stdexcept>
+#include <string>
 
 #include "support/standard_streams.h"
 
@@ -13,7 +13,15 @@ namespace {
 
 using kelvara_test::CapturedOutput;
 
-const std::string time_line = "Time:    [0-9]+\\.[0-9]{3} seconds  \\( [0-9]+\\.[0-9]{3} minutes \\)\n";
+const std::string time_line = "Time:    0.000 seconds  ( 0.000 minutes )\n";
+
+// The text with every digit of its last line as 0: how long a step took does not matter.
+std::string without_times(std::string text) {
+    for (std::size_t i = text.find("Time:"); i < text.size(); ++i) {
+        if (text[i] >= '0' && text[i] <= '9') text[i] = '0';
+    }
+    return text;
+}
 
 TEST(ConsoleProgress, LeavesLabelsOutOfALog) {
     CapturedOutput output;
@@ -27,8 +35,7 @@ TEST(ConsoleProgress, LeavesLabelsOutOfALog) {
     progress.pop_label();
     progress.end_step();
     progress.end_step();
-    const std::string text = output.finish();
-    EXPECT_TRUE(std::regex_match(text, std::regex("Summing Series\\.\\.\\.  Summing: 4,061 terms\n" + time_line))) << text;
+    EXPECT_EQ(without_times(output.finish()), "Summing Series...  Summing: 4,061 terms\n" + time_line);
 }
 
 TEST(ConsoleProgress, GivesMessagesLinesOfTheirOwn) {
@@ -39,11 +46,9 @@ TEST(ConsoleProgress, GivesMessagesLinesOfTheirOwn) {
     progress.message("Radix Conversion Failed - Reattempting...", 'R');
     progress.message("And again.", 'R');
     progress.end_step();
-    const std::string text = output.finish();
-    EXPECT_TRUE(std::regex_match(
-        text, std::regex("Before any step\\.\nBase Converting:\nRadix Conversion Failed - Reattempting\\.\\.\\.\n"
-                         "And again\\.\n" + time_line)))
-        << text;
+    EXPECT_EQ(without_times(output.finish()),
+              "Before any step.\nBase Converting:\nRadix Conversion Failed - Reattempting...\nAnd again.\n" +
+                  time_line);
 }
 
 TEST(ConsoleProgress, ClosesAStepThatAnExceptionLeft) {
@@ -57,8 +62,7 @@ TEST(ConsoleProgress, ClosesAStepThatAnExceptionLeft) {
     }
     progress.begin_step("Division...", "Division");
     progress.end_step();
-    const std::string text = output.finish();
-    EXPECT_TRUE(std::regex_match(text, std::regex("Division\\.\\.\\.\nDivision\\.\\.\\.\n" + time_line))) << text;
+    EXPECT_EQ(without_times(output.finish()), "Division...\nDivision...\n" + time_line);
 }
 
 TEST(ConsoleProgress, TitlesMayBeginOnANewLine) {
@@ -66,8 +70,7 @@ TEST(ConsoleProgress, TitlesMayBeginOnANewLine) {
     ConsoleProgress progress;
     progress.begin_step("\nSumming Series C...  ", "Summing Series C");
     progress.end_step();
-    const std::string text = output.finish();
-    EXPECT_TRUE(std::regex_match(text, std::regex("\nSumming Series C\\.\\.\\.  \n" + time_line))) << text;
+    EXPECT_EQ(without_times(output.finish()), "\nSumming Series C...  \n" + time_line);
 }
 
 TEST(ScopedLabel, NeedsNoProgress) {

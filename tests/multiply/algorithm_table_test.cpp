@@ -24,6 +24,13 @@ TEST(AlgorithmRegistry, Basecase) {
     EXPECT_EQ(find_algorithm("BKT", WordKind::swap64), nullptr);
 }
 
+TEST(AlgorithmRegistry, FloatingPointTransforms) {
+    EXPECT_STREQ(find_algorithm("FFT", WordKind::basic64)->key, "FFT");
+    EXPECT_STREQ(find_algorithm("FFT", WordKind::basic32)->key, "FFT");
+    EXPECT_EQ(find_algorithm("FFT", WordKind::swap32), nullptr);
+    EXPECT_EQ(find_algorithm("FFT", WordKind::swap64), nullptr);
+}
+
 TEST(AlgorithmRegistry, AKnownKeyMayHaveNoAlgorithm) {
     for (WordKind kind : all_kinds) {
         bool known = false;

@@ -102,6 +102,52 @@ TEST(Dispatch, ProductsOfTheFirstEntry) {
     }
 }
 
+TEST(Dispatch, BothSidesOfTheTableEdges) {
+    const qmp::AlgorithmTable& table = qmp::basic_table_64();
+    EXPECT_STREQ(table.get_algorithm(58).key, "BKT");
+    EXPECT_STREQ(table.get_algorithm(59).key, "FFT");
+    EXPECT_STREQ(table.get_algorithm(10240).key, "FFT");
+    EXPECT_STREQ(qmp::basic_table_32().get_algorithm(116).key, "BKT");
+    EXPECT_STREQ(qmp::basic_table_32().get_algorithm(117).key, "FFT");
+    EXPECT_STREQ(qmp::basic_table_32().get_algorithm(20480).key, "FFT");
+    Random random(32);
+    for (std::uint64_t la : {1, 2, 20, 29, 30, 57, 58}) {
+        for (std::uint64_t n = 57; n <= 61; ++n) {
+            if (la < n) check_products(random, la, n - la);
+            if (HasFatalFailure()) return;
+        }
+    }
+    for (std::uint64_t la : {29, 30, 31, 600, 5120}) check_square(random, la);
+    check_products(random, 5120, 5120);
+    check_products(random, 10000, 240);
+    check_products(random, 10239, 1);
+}
+
+TEST(Dispatch, TransformedProducts) {
+    Random random(33);
+    for (int round = 0; round < 40; ++round) {
+        const std::uint64_t n = random.between(59, round % 8 == 0 ? 3000 : 400);
+        check_products(random, random.between(1, n - 1), n - 1);
+        check_square(random, random.between(30, 500));
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(Dispatch, TwiddleFactorsMustCoverTheProduct) {
+    GuardedWords scratch(qmp::scratch_words_for(1000, 1));
+    qmp::MultiplyContext context = sequential_context(scratch);
+    Random random(34);
+    const Words a = make_words(random, 500);
+    Words product(1000);
+    context.twiddles = nullptr;
+    EXPECT_THROW(qmp::multiply(context, product.data(), a.data(), 500, a.data(), 500),
+                 qmp::LimitExceededException);
+    // The basecase needs none.
+    qmp::multiply(context, product.data(), a.data(), 20, a.data(), 20);
+    product.resize(40);
+    EXPECT_EQ(product, expected_product(Words(a.begin(), a.begin() + 20), Words(a.begin(), a.begin() + 20)));
+}
+
 TEST(Dispatch, BeyondTheTable) {
     const std::uint64_t limit = qmp::basic_table_64().largest_product();
     GuardedWords scratch(16);

@@ -31,6 +31,15 @@ BigFloatView view(const Words& words, std::int64_t exp, std::uint8_t sign = 1) {
     return {words.data(), words.size(), exp, sign};
 }
 
+ExactFloatView exact_view(const Words& words, std::int64_t exp) {
+    std::uint64_t hash = 0;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::uint64_t weight = qmp::check_word_weight(exp + static_cast<std::int64_t>(i));
+        hash = qmp::check_add(hash, qmp::check_mul(qmp::check_reduce(words[i]), weight));
+    }
+    return {words.data(), words.size(), exp, hash};
+}
+
 // The top words of an operand, as many as a product of precision p takes.
 Words top_words(const Words& words, std::uint64_t p) {
     return Words(words.end() - static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(p + 2, words.size())),
@@ -82,6 +91,53 @@ TEST(TransformHelper, TwoProductsOfOnePrecisionOrTwo) {
     }
 }
 
+// Convolutions of one size, of two sizes whose transforms are not compatible, and of two algorithms.
+TEST(TransformHelper, LongProducts) {
+    Random random(54);
+    const auto run = [&](std::uint64_t la, std::uint64_t p1, std::uint64_t lb, std::uint64_t p2,
+                         std::uint64_t lx, bool compatible) {
+        const Words a = make_words(random, la, Pattern::runs);
+        const Words b = make_words(random, lb, Pattern::ones);
+        const Words x = make_words(random, lx, Pattern::ones);
+        const std::uint64_t size1 = convolution(la, p1, p1, p2, lx);
+        const std::uint64_t size2 = convolution(lb, p2, p1, p2, lx);
+        qmp::TransformParametersBox box1, box2;
+        EXPECT_EQ(
+            qmp::construct_transform(box1, size1).compatible_with(qmp::construct_transform(box2, size2)),
+            compatible);
+        GuardedWords scratch(TransformHelper::scratch_words(std::max(size1, size2), 1));
+        GuardedWords first(std::min(p1 + 2, la + lx));
+        GuardedWords second(std::min(p2 + 2, lb + lx));
+        BigFloat product1(first.data(), first.size());
+        BigFloat product2(second.data(), second.size());
+        const TransformHelper helper(sequential_context(scratch), product1, p1, product2, p2, view(a, 0),
+                                     view(b, 0, 0), view(x, 0));
+        expect_truncated_product(product1, a, p1, x, std::max(p1, p2), static_cast<std::int64_t>(la + lx),
+                                 true);
+        expect_truncated_product(product2, b, p2, x, std::max(p1, p2), static_cast<std::int64_t>(lb + lx),
+                                 false);
+        EXPECT_TRUE(scratch.guards_intact() && first.guards_intact() && second.guards_intact());
+
+        GuardedWords exact_scratch(TransformHelper::scratch_words(std::max(la, lb) + lx, 1));
+        Words exact1(la + lx), exact2(lb + lx);
+        ExactFloat e1(exact1.data(), exact1.size());
+        ExactFloat e2(exact2.data(), exact2.size());
+        const TransformHelper exact(sequential_context(exact_scratch), e1, e2, exact_view(a, 0),
+                                    exact_view(b, 0), exact_view(x, 0));
+        EXPECT_EQ(exact1, reference_product(a, x));
+        EXPECT_EQ(exact2, reference_product(b, x));
+        EXPECT_EQ(e1.hash, exact_view(exact1, 0).hash);
+        EXPECT_EQ(e2.hash, exact_view(exact2, 0).hash);
+        EXPECT_TRUE(exact_scratch.guards_intact());
+    };
+    run(300, 400, 299, 400, 200, true);
+    run(300, 250, 290, 250, 400, true);
+    run(500, 500, 100, 500, 300, false);
+    run(100, 40, 500, 500, 300, false);
+    run(5, 500, 100, 500, 20, false);
+    run(100, 500, 5, 500, 20, false);
+}
+
 TEST(TransformHelper, ZeroOperands) {
     const Words a = {1, 2, 3};
     const Words x = {5, 6};
@@ -104,15 +160,6 @@ TEST(TransformHelper, ZeroOperands) {
     std::tie(p1, p2) = products(view(a, 0), view(a, 0), zero);
     EXPECT_TRUE(p1.is_zero() && p2.is_zero());
     EXPECT_EQ(p1.sign, 1);
-}
-
-ExactFloatView exact_view(const Words& words, std::int64_t exp) {
-    std::uint64_t hash = 0;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::uint64_t weight = qmp::check_word_weight(exp + static_cast<std::int64_t>(i));
-        hash = qmp::check_add(hash, qmp::check_mul(qmp::check_reduce(words[i]), weight));
-    }
-    return {words.data(), words.size(), exp, hash};
 }
 
 TEST(TransformHelper, ExactProducts) {

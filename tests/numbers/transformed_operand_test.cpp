@@ -158,6 +158,40 @@ TEST(BigFloatTransform, WrapAroundLeavesTheMiddle) {
     }
 }
 
+// Floating-point convolutions have a longer cycle than asked for, or exactly the one asked for; then what
+// wraps around can carry into the lowest valid word.
+TEST(BigFloatTransform, LongProducts) {
+    Random random(47);
+    for (std::uint64_t clen : {64, 80, 100, 128, 777, 1024}) {
+        for (std::uint64_t wrapped : {0, 1, 3, 20}) {
+            for (Pattern pattern : {Pattern::ones, Pattern::uniform, Pattern::runs}) {
+                const std::uint64_t n = clen + wrapped;
+                const Words a = make_words(random, clen / 2, pattern);
+                const Words b = make_words(random, n - clen / 2, pattern);
+                Convolution convolution(clen);
+                const auto end = static_cast<std::int64_t>(n - wrapped);
+                GuardedWords buffer(n - 2 * wrapped);
+                const BigFloat result = product(convolution, buffer, view(a, 0), view(b, 0), end, n);
+                const Words whole = reference_product(a, b);
+                Words expected(whole.begin() + static_cast<std::ptrdiff_t>(wrapped),
+                               whole.end() - static_cast<std::ptrdiff_t>(wrapped));
+                const auto strip = [](Words& words) {
+                    while (!words.empty() && words.back() == 0) words.pop_back();
+                };
+                strip(expected);
+                if (wrapped > 0 && words_of(result) != expected) {
+                    expected.push_back(0);
+                    for (std::size_t i = 0; ++expected[i] == 0; ++i) {
+                    }
+                    strip(expected);
+                }
+                ASSERT_EQ(words_of(result), expected) << clen << ", " << wrapped;
+                ASSERT_EQ(result.exp, static_cast<std::int64_t>(wrapped));
+            }
+        }
+    }
+}
+
 TEST(BigFloatTransform, Squares) {
     Random random(43);
     for (std::uint64_t la : {1, 8, 20, 28}) {

@@ -27,7 +27,8 @@ TEST(Clock, ProcessorTimeGrowsWithWork) {
     // Both systems count in steps of up to some sixteen milliseconds.
     volatile std::uint64_t sink = 0;
     std::optional<ProcessTimes> end = start;
-    for (int round = 0; round < 1'000'000 && end->user + end->kernel == start->user + start->kernel; ++round) {
+    for (int round = 0; round < 1'000'000 && end->user + end->kernel == start->user + start->kernel;
+         ++round) {
         for (int i = 0; i < 100'000; ++i) sink = sink + 1;
         end = process_times();
         ASSERT_TRUE(end.has_value());

@@ -15,7 +15,8 @@ using kelvara_test::FedInput;
 TEST(ConsoleDevice, AFileIsNoConsole) {
     CapturedOutput output;
     const FedInput input("");
-    const bool output_console = output_is_console(), input_console = input_is_console(), fresh = console_is_fresh();
+    const bool output_console = output_is_console(), input_console = input_is_console(),
+               fresh = console_is_fresh();
     const WindowSize window = window_size(), largest = largest_window_size();
     const bool resized = set_window_rectangle(79, 24);
     EXPECT_EQ(output.finish(), "");

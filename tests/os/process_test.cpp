@@ -55,9 +55,9 @@ TEST(Process, GivesTheSystemsTextForAnErrorCode) {
 
 TEST(Process, WritesADumpWithoutACrash) {
     const std::string path =
-        (std::filesystem::temp_directory_path() / ("kelvara-dump-test-" + std::to_string(std::hash<std::thread::id>{}(
-                                                                              std::this_thread::get_id())) +
-                                                   ".dmp"))
+        (std::filesystem::temp_directory_path() /
+         ("kelvara-dump-test-" + std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id())) +
+          ".dmp"))
             .string();
     const DumpOutcome outcome = write_crash_dump(path.c_str(), nullptr);
     EXPECT_EQ(outcome.result, DumpResult::written) << system_error_text(outcome.error_code);
@@ -72,20 +72,6 @@ TEST(Process, SaysWhyItCannotCreateADump) {
     EXPECT_EQ(outcome.result, DumpResult::cannot_create);
     EXPECT_NE(outcome.error_code, 0u);
 }
-
-#if GTEST_HAS_DEATH_TEST
-TEST(ProcessDeathTest, EndsAtOnceWithTheExitCode) {
-    struct Loud {
-        ~Loud() { std::fputs("destroyed", stderr); }
-    };
-    EXPECT_EXIT(
-        {
-            static Loud loud;
-            exit_process(3);
-        },
-        testing::ExitedWithCode(3), "^$");
-}
-#endif
 
 }  // namespace
 }  // namespace qmp::os

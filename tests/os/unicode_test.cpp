@@ -15,8 +15,8 @@ TEST(Unicode, ConvertsEveryLengthBothWays) {
 }
 
 TEST(Unicode, KeepsEveryCharacterAtTheLengthBoundaries) {
-    for (const char32_t character : {0x1u, 0x7fu, 0x80u, 0x7ffu, 0x800u, 0xd7ffu, 0xe000u, 0xfffdu, 0xffffu, 0x10000u,
-                                     0x10ffffu}) {
+    for (const char32_t character :
+         {0x1u, 0x7fu, 0x80u, 0x7ffu, 0x800u, 0xd7ffu, 0xe000u, 0xfffdu, 0xffffu, 0x10000u, 0x10ffffu}) {
         char bytes[4];
         const std::size_t count = encode_utf8(character, bytes);
         const DecodedCharacter decoded = decode_utf8({bytes, count});
@@ -39,12 +39,12 @@ TEST(Unicode, ReplacesEachMalformedPart) {
     } cases[] = {
         {"\xff", u"\ufffd"},
         {"\x80x", u"\ufffdx"},
-        {"\xc0\xaf", u"\ufffd\ufffd"},                  // overlong '/'
-        {"\xe0\x80\xaf", u"\ufffd\ufffd\ufffd"},        // overlong '/'
-        {"\xed\xa0\x80", u"\ufffd\ufffd\ufffd"},        // a surrogate
+        {"\xc0\xaf", u"\ufffd\ufffd"},                      // overlong '/'
+        {"\xe0\x80\xaf", u"\ufffd\ufffd\ufffd"},            // overlong '/'
+        {"\xed\xa0\x80", u"\ufffd\ufffd\ufffd"},            // a surrogate
         {"\xf4\x90\x80\x80", u"\ufffd\ufffd\ufffd\ufffd"},  // beyond the last character
         {"\xf5\x80\x80\x80", u"\ufffd\ufffd\ufffd\ufffd"},
-        {"\xe2\x82", u"\ufffd"},                        // cut at the end
+        {"\xe2\x82", u"\ufffd"},  // cut at the end
         {"\xe2\x82z", u"\ufffdz"},
         {"\xf0\x9f\x98", u"\ufffd"},
         {"\xc3(", u"\ufffd("},

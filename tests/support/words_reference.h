@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "multiply/multiply_context.h"
+#include "multiply/twiddle_set.h"
 #include "multiply/word.h"
 
 namespace kelvara_test {
@@ -27,9 +28,13 @@ class GuardedWords {
     qmp::Word* data_;
 };
 
-// A context on the calling thread with this scratch.
+// Twiddle factors for products of up to 20480 words, as far as the "Basic: 64-bit Word" table goes, built
+// once.
+const qmp::TwiddleSet& shared_twiddles();
+
+// A context on the calling thread with this scratch and the shared twiddle factors.
 inline qmp::MultiplyContext sequential_context(GuardedWords& scratch) {
-    return {qmp::ParallelContext::sequential(), nullptr, scratch.data(), scratch.size()};
+    return {qmp::ParallelContext::sequential(), &shared_twiddles(), scratch.data(), scratch.size()};
 }
 
 }  // namespace kelvara_test

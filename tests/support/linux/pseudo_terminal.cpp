@@ -28,7 +28,8 @@ PseudoTerminal::PseudoTerminal(const std::vector<std::string>& command, int colu
     : PseudoTerminal(
           [&command] {
               std::vector<char*> arguments;
-              for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+              for (const std::string& argument : command)
+                  arguments.push_back(const_cast<char*>(argument.c_str()));
               arguments.push_back(nullptr);
               execv(arguments[0], arguments.data());
               return 127;

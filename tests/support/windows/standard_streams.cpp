@@ -12,8 +12,8 @@ HANDLE make_temporary_file(std::string& path) {
     char folder[MAX_PATH], name[MAX_PATH];
     if (GetTempPathA(MAX_PATH, folder) == 0 || GetTempFileNameA(folder, "kel", 0, name) == 0) std::abort();
     path = name;
-    const HANDLE file =
-        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) std::abort();
     return file;
 }
