@@ -37,9 +37,15 @@ std::vector<W> words_below(Random& random, std::uint64_t n, std::uint64_t base) 
     std::vector<W> words(n);
     for (auto& w : words) {
         switch (random.between(0, 4)) {
-            case 0: w = static_cast<W>(base - 1 - random.between(0, 10)); break;
-            case 1: w = static_cast<W>(random.between(0, 10)); break;
-            default: w = static_cast<W>(base ? random.next() % base : random.next()); break;
+            case 0:
+                w = static_cast<W>(base - 1 - random.between(0, 10));
+                break;
+            case 1:
+                w = static_cast<W>(random.between(0, 10));
+                break;
+            default:
+                w = static_cast<W>(base ? random.next() % base : random.next());
+                break;
         }
     }
     return words;
@@ -47,7 +53,8 @@ std::vector<W> words_below(Random& random, std::uint64_t n, std::uint64_t base) 
 
 // Runs a codec into a garbage-filled buffer at an odd address and checks that nothing behind is touched.
 template <typename W>
-std::string run(void (*codec)(char*, const W*, std::uint64_t), const std::vector<W>& words, std::size_t width) {
+std::string run(void (*codec)(char*, const W*, std::uint64_t), const std::vector<W>& words,
+                std::size_t width) {
     const std::size_t bytes = words.size() * width;
     std::string buffer(bytes + 33, '\x55');
     codec(buffer.data() + 1, words.data(), words.size());
@@ -171,7 +178,8 @@ TEST(CharacterCodecs, EveryLengthAndAlignment) {
                 std::string other(n + offset + 1, '~');
                 ASSERT_TRUE((radix == 10 ? dec_to_raw : hex_to_raw)(other.data() + offset, text.data(), n));
                 ASSERT_EQ(other, std::string(offset, '~') + raw + "~");
-                ASSERT_TRUE((radix == 10 ? dec_to_raw : hex_to_raw)(buffer.data() + offset, buffer.data() + offset, n));
+                ASSERT_TRUE((radix == 10 ? dec_to_raw : hex_to_raw)(buffer.data() + offset,
+                                                                    buffer.data() + offset, n));
                 ASSERT_EQ(buffer, other);
             }
         }

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "radix/digit_codecs.h"
-#include "support/random_words.h"
 #include "radix/thread_per_task.h"
+#include "support/random_words.h"
 
 namespace qmp {
 namespace {
@@ -41,8 +41,10 @@ TEST(HashWords, EqualsTheNaiveSum) {
         for (const auto pattern : all_patterns) {
             const auto words = make_words(random, n, pattern);
             const std::uint64_t h0 = random.next() % check_modulus;
-            EXPECT_EQ(hash_words(h0, binary_word_radix, words.data(), n), naive(h0, DoubleWord{1} << 64, words));
-            EXPECT_EQ(hash_words(h0, decimal_word_radix, words.data(), n), naive(h0, decimal_word_base, words));
+            EXPECT_EQ(hash_words(h0, binary_word_radix, words.data(), n),
+                      naive(h0, DoubleWord{1} << 64, words));
+            EXPECT_EQ(hash_words(h0, decimal_word_radix, words.data(), n),
+                      naive(h0, decimal_word_base, words));
         }
     }
 }
@@ -59,7 +61,8 @@ TEST(HashWords, TheParallelFormEqualsTheSequentialOne) {
     kelvara_test::ThreadPerTask threads;
     Random random(2);
     for (const std::uint64_t n : {9999u, 10000u, 10001u, 19999u, 20000u, 20001u, 25000u, 100003u}) {
-        const auto words = make_words(random, n, n % 2 ? kelvara_test::Pattern::uniform : kelvara_test::Pattern::ones);
+        const auto words =
+            make_words(random, n, n % 2 ? kelvara_test::Pattern::uniform : kelvara_test::Pattern::ones);
         const std::uint64_t h0 = random.next() % check_modulus;
         const std::uint64_t expected = naive(h0, decimal_word_base, words);
         for (const std::uint64_t tasks : {1u, 2u, 3u, 7u, 64u, 1000u}) {

@@ -1,0 +1,153 @@
+#include "radix/convert.h"
+
+#include <algorithm>
+#include <string>
+#include <thread>
+
+#include "console/format.h"
+#include "radix/convert_basecase.h"
+#include "radix/digit_counts.h"
+#include "radix/fractional_product.h"
+
+namespace qmp {
+namespace {
+
+// Console attributes of a label's texts and of its numbers.
+constexpr int label_attribute = 71;
+constexpr int size_attribute = 89;
+// Nodes with fewer words are over before anybody could read their label.
+constexpr std::uint64_t smallest_labelled_node = 4096;
+
+constexpr const char* sequential_name = "convert_L()";
+constexpr const char* parallel_name = "qmq_CBRv2_ci_btrf_T()";
+
+// A part of the label with a count of decimal digits: "-  1,234", " -> 2 x 617".
+class DigitsLabel {
+  public:
+    DigitsLabel(Progress* progress, const char* text, std::uint64_t words)
+        : text_(progress, text, label_attribute),
+          size_(progress, progress ? console::format_separated(word_to_dec(words)) : std::string(),
+                size_attribute) {}
+
+  private:
+    ScopedLabel text_;
+    ScopedLabel size_;
+};
+
+class Conversion {
+  public:
+    Conversion(const ConvertPlanP& plan, const char* name, Progress* progress)
+        : plan_(plan), name_(name), progress_(progress), owner_(std::this_thread::get_id()) {}
+
+    // The recursion; level is the highest that a node of m words may have. `parallel`: halves may be
+    // converted at the same time.
+    ConvertResult node(int level, Word* top, std::uint64_t m, FractionView f, const MultiplyContext& context,
+                       bool parallel) const {
+        if (plan_.levels() == 0 || m < convert_basecase_words || m < plan_.leaf()) return basecase(top, m, f);
+        while (plan_.level(level).output_words >= m) --level;
+        const std::uint64_t s = plan_.level(level).output_words;
+        const std::uint64_t low_m = m - s;
+        f = f.cut(plan_.fraction_words(level, m));
+
+        Word* low_words = context.scratch;
+        const MultiplyContext rest = context.after(plan_.low_fraction_words(level), name_);
+        const FractionView low_f = split(level, m, low_m, f, low_words, rest);
+
+        ConvertResult low;
+        ConvertResult high;
+        if (parallel && context.tds > 1 && level >= plan_.parallel_level()) {
+            const DigitsLabel label(labelled(s), " -> 2 x ", plan_.fraction_words(-1, s) - 2);
+            const std::uint64_t low_tasks = context.tds / 2;
+            const MultiplyContext high_context =
+                rest.after(plan_.node_scratch_words(level - 1, low_tasks), name_);
+            context.run_pair(
+                [&] { low = node(level - 1, top - s, low_m, low_f, rest.with_tasks(low_tasks), true); },
+                [&] {
+                    high = node(level - 1, top, s, f, high_context.with_tasks(context.tds - low_tasks), true);
+                });
+        } else {
+            const DigitsLabel label(labelled(s), " -> 1 x ", plan_.fraction_words(-1, s) - 2);
+            // Transforms of small nodes are not worth a second thread either.
+            const MultiplyContext halves = level >= plan_.parallel_level() ? rest : rest.with_tasks(1);
+            low = node(level - 1, top - s, low_m, low_f, halves, parallel);
+            high = node(level - 1, top, s, f, halves, parallel);
+        }
+        return join(top, m, s, low, high);
+    }
+
+  private:
+    ConvertResult basecase(Word* top, std::uint64_t m, FractionView f) const {
+        Word work[convert_basecase_words + 2];
+        ConvertResult result;
+        result.guard = convert_basecase(plan_.base(), top, m, f.words, f.length, work);
+        return result;
+    }
+
+    FractionView split(int level, std::uint64_t m, std::uint64_t low_m, FractionView f, Word* low_words,
+                       const MultiplyContext& context) const {
+        const DigitsLabel label(labelled(m), "-  ", plan_.fraction_words(-1, m) - 2);
+        return fractional_product(plan_, level, context, low_words, plan_.fraction_words(level - 1, low_m),
+                                  f);
+    }
+
+    ConvertResult join(Word* top, std::uint64_t m, std::uint64_t s, const ConvertResult& low,
+                       const ConvertResult& high) const {
+        if (low.status) return low;
+        if (high.status) return high;
+        ConvertResult result = low;
+        result.expected = top[-static_cast<std::ptrdiff_t>(s) - 1];
+        if (!join_halves(plan_.base(), top, s, m - s, high.guard, result.guard)) {
+            result.status = overlap_mismatch;
+            result.function = name_;
+            result.m = m;
+            result.actual = high.guard;
+        }
+        return result;
+    }
+
+    // Labels belong to the thread that started the conversion.
+    Progress* labelled(std::uint64_t words) const {
+        return words >= smallest_labelled_node && std::this_thread::get_id() == owner_ ? progress_ : nullptr;
+    }
+
+    const ConvertPlanP& plan_;
+    const char* name_;
+    Progress* progress_;
+    std::thread::id owner_;
+};
+
+void report_mismatch(Progress* progress, const ConvertResult& result) {
+    if (!progress || !result.function) return;
+    progress->message(std::string(result.function) + ": Overlap Mismatch", 'R');
+    if (result.function == sequential_name) progress->message("RL: " + std::to_string(result.m), 'R');
+    progress->message("Expected: " + std::to_string(result.expected), 'R');
+    progress->message("Actual: " + std::to_string(result.actual), 'R');
+}
+
+ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, const char* name,
+                      bool parallel, Word* destination_top, std::uint64_t m, const Word* fraction,
+                      std::uint64_t fraction_words, Progress* progress) {
+    const Conversion conversion(plan, name, progress);
+    const ConvertResult result =
+        conversion.node(plan.levels() - 1, destination_top, m, {fraction, fraction_words}, context, parallel);
+    report_mismatch(progress, result);
+    return result;
+}
+
+}  // namespace
+
+ConvertResult convert_L(const ConvertPlanP& plan, const MultiplyContext& context, Word* destination_top,
+                        std::uint64_t m, const Word* fraction, std::uint64_t fraction_words,
+                        Progress* progress) {
+    return convert(plan, context, sequential_name, false, destination_top, m, fraction, fraction_words,
+                   progress);
+}
+
+ConvertResult qmq_CBRv2_ci_btrf_T(const ConvertPlanP& plan, const MultiplyContext& context,
+                                  Word* destination_top, std::uint64_t m, const Word* fraction,
+                                  std::uint64_t fraction_words, Progress* progress) {
+    return convert(plan, context, parallel_name, true, destination_top, m, fraction, fraction_words,
+                   progress);
+}
+
+}  // namespace qmp

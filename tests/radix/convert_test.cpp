@@ -1,0 +1,422 @@
+#include "radix/convert.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "numbers/check_value.h"
+#include "radix/convert_basecase.h"
+#include "radix/convert_fixture.h"
+#include "radix/fractional_product.h"
+#include "radix/hash.h"
+#include "radix/thread_per_task.h"
+#include "support/fatal.h"
+
+#ifdef KELVARA_HAVE_GMP
+#include <gmp.h>
+#endif
+
+namespace qmp {
+namespace {
+
+using kelvara_test::all_patterns;
+using kelvara_test::make_words;
+using kelvara_test::Pattern;
+using kelvara_test::PlannedConversion;
+using kelvara_test::Random;
+using kelvara_test::ThreadPerTask;
+
+constexpr Word base = decimal_word_base;
+const ParallelContext one_task = ParallelContext::sequential();
+
+using Words = std::vector<Word>;
+
+// m words and the guard word by the basecase alone, the guard in front.
+Words by_basecase(Word radix, std::uint64_t m, const Words& fraction) {
+    Words digits(m + 2, kelvara_test::garbage);
+    Words work(std::min<std::uint64_t>(m + 2, fraction.size()) + 1, kelvara_test::garbage);
+    digits[0] =
+        convert_basecase(radix, digits.data() + m + 1, m, fraction.data(), fraction.size(), work.data());
+    EXPECT_EQ(digits.back(), kelvara_test::garbage);
+    EXPECT_EQ(work.back(), kelvara_test::garbage);
+    digits.pop_back();
+    return digits;
+}
+
+Words top(const Words& digits) {
+    return Words(digits.begin() + 1, digits.end());
+}
+
+// Sizes around the basecase, around the edges of the levels, and larger ones.
+std::vector<std::uint64_t> sizes() {
+    std::vector<std::uint64_t> all;
+    for (std::uint64_t m = 1; m <= 70; ++m) all.push_back(m);
+    for (std::uint64_t m :
+         {79, 80, 100, 127, 128, 129, 239, 240, 241, 255, 256, 257, 300, 511, 512, 513, 1000}) {
+        all.push_back(m);
+    }
+    return all;
+}
+
+// Fractions of plausible and of nasty shapes, as long as the plan can use and a little longer and shorter.
+std::vector<Words> fractions(Random& random, std::uint64_t words) {
+    std::vector<Words> all;
+    for (const auto pattern : all_patterns) all.push_back(make_words(random, words, pattern));
+    all.push_back(make_words(random, words + 3));
+    all.push_back(make_words(random, words > 5 ? words - 5 : 1));
+    all.push_back(make_words(random, 1));
+    Words small = make_words(random, words);
+    for (std::uint64_t i = words / 2; i < words; ++i) small[i] = 0;
+    all.push_back(small);
+    return all;
+}
+
+TEST(ConvertBasecase, ZeroAndOneHalf) {
+    for (const std::uint64_t m : {1u, 2u, 15u, 16u, 40u}) {
+        EXPECT_EQ(by_basecase(base, m, Words(m + 2, 0)), Words(m + 1, 0));
+        EXPECT_EQ(by_basecase(base, m, {}), Words(m + 1, 0));
+        Words half(m + 1, 0);
+        half.back() = base / 2;
+        EXPECT_EQ(by_basecase(base, m, {Word{1} << 63}), half);
+    }
+}
+
+// 1/3 and 1/7 have known digits.
+TEST(ConvertBasecase, RepeatingDigits) {
+    const Words third(12, 0x5555555555555555);
+    const Words digits = by_basecase(base, 10, third);
+    EXPECT_EQ(digits, Words(11, 3333333333333333333));
+}
+
+TEST(ConvertBasecase, NoDigitsGiveTheGuardWordOnly) {
+    EXPECT_EQ(by_basecase(base, 0, {0, Word{1} << 63}), Words{base / 2});
+}
+
+TEST(ConvertPlan, HalvesWhileAtLeastSixteenWords) {
+    const auto shape = [](std::uint64_t m) {
+        const ConvertPlanP plan(base, m, 1);
+        return std::pair<int, std::uint64_t>(plan.levels(), plan.leaf());
+    };
+    EXPECT_EQ(shape(1), std::pair(0, std::uint64_t{1}));
+    EXPECT_EQ(shape(15), std::pair(0, std::uint64_t{15}));
+    EXPECT_EQ(shape(16), std::pair(1, std::uint64_t{8}));
+    EXPECT_EQ(shape(17), std::pair(1, std::uint64_t{9}));
+    EXPECT_EQ(shape(30), std::pair(1, std::uint64_t{15}));
+    EXPECT_EQ(shape(31), std::pair(2, std::uint64_t{8}));
+    EXPECT_EQ(shape(33), std::pair(2, std::uint64_t{9}));
+    EXPECT_EQ(shape(1000), std::pair(7, std::uint64_t{8}));
+}
+
+TEST(ConvertPlan, RefusesABaseBelowTwo) {
+    for (const Word b : {Word{0}, Word{1}}) {
+        const ConvertPlanP plan(b, 100, 1);
+        EXPECT_EQ(plan.status(), ~std::uint32_t{2});
+        Word digits[100];
+        const MultiplyContext context(one_task, nullptr, nullptr, 0);
+        EXPECT_EQ(convert_L(plan, context, digits + 100, 100, digits, 0, nullptr).status, ~std::uint32_t{2});
+    }
+    EXPECT_EQ(ConvertPlanP(2, 100, 1).status(), 0u);
+}
+
+// The inequality of the guard words, and that what wraps around stays below what is kept.
+TEST(ConvertPlan, KeptWordsLieAboveWrappedAndTruncatedOnes) {
+    for (const Word b : {base, Word{3}, Word{10}, Word{1} << 40, ~Word{0}}) {
+        for (std::uint64_t m = 16; m < 3000; m += 1 + m / 50) {
+            const ConvertPlanP plan(b, m, 1);
+            for (int j = 0; j < plan.levels(); ++j) {
+                const std::uint64_t s = plan.level(j).output_words;
+                for (std::uint64_t node = s + 1; node <= std::min(2 * s, m); ++node) {
+                    const std::uint64_t kept = plan.fraction_words(j - 1, node - s);
+                    ASSERT_GE(plan.fraction_words(j, node), power_whole_words(b, s) + kept + 1)
+                        << m << " " << j;
+                    ASSERT_LE(plan.fraction_words(j, node), plan.level(j).convolution_words());
+                }
+            }
+        }
+    }
+}
+
+TEST(Convert, TheFractionZero) {
+    for (const std::uint64_t m : sizes()) {
+        PlannedConversion conversion(base, m, one_task);
+        EXPECT_EQ(conversion.convert(Words(m, 0)), Words(m + 1, 0));
+        EXPECT_EQ(conversion.convert({}), Words(m + 1, 0));
+        EXPECT_EQ(conversion.result.status, 0u);
+    }
+}
+
+TEST(Convert, ExactlyOneHalf) {
+    for (const std::uint64_t m : sizes()) {
+        PlannedConversion conversion(base, m, one_task);
+        Words expected(m + 1, 0);
+        expected.back() = 5000000000000000000;
+        EXPECT_EQ(conversion.convert({Word{1} << 63}), expected);
+        Words padded(m + 10, 0);
+        padded.back() = Word{1} << 63;
+        EXPECT_EQ(conversion.convert(padded), expected);
+    }
+}
+
+TEST(Convert, EqualsTheBasecase) {
+    Random random(1);
+    for (const std::uint64_t m : sizes()) {
+        PlannedConversion conversion(base, m, one_task);
+        for (const Words& fraction : fractions(random, conversion.plan.fraction_words())) {
+            EXPECT_EQ(top(conversion.convert(fraction)), top(by_basecase(base, m, fraction))) << m;
+            EXPECT_EQ(conversion.result.status, 0u);
+        }
+    }
+}
+
+TEST(Convert, OtherBases) {
+    Random random(2);
+    for (const Word b : {Word{3}, Word{10}, Word{60}, Word{1} << 32, Word{1} << 63, ~Word{0}}) {
+        for (const std::uint64_t m : {15u, 16u, 17u, 33u, 100u, 300u}) {
+            PlannedConversion conversion(b, m, one_task);
+            for (const Words& fraction : fractions(random, conversion.plan.fraction_words())) {
+                EXPECT_EQ(top(conversion.convert(fraction)), top(by_basecase(b, m, fraction)))
+                    << b << " " << m;
+            }
+        }
+    }
+}
+
+// The digits hash to the integer Floor(f B^m) modulo M, formed by one factor B at a time.
+TEST(Convert, DigitsHashLikeTheBinaryProduct) {
+    Random random(3);
+    for (const std::uint64_t m : {20u, 100u, 400u}) {
+        PlannedConversion conversion(base, m, one_task);
+        Words number = make_words(random, conversion.plan.fraction_words());
+        const Words digits = top(conversion.convert(number));
+        const std::uint64_t point = number.size();
+        for (std::uint64_t i = 0; i < m; ++i) {
+            Word carry = 0;
+            for (Word& w : number) {
+                const DoubleWord product = static_cast<DoubleWord>(w) * base + carry;
+                w = low_word(product);
+                carry = high_word(product);
+            }
+            if (carry) number.push_back(carry);
+        }
+        EXPECT_EQ(hash_words(0, decimal_word_radix, digits.data(), m),
+                  hash_words(0, binary_word_radix, number.data() + point, number.size() - point));
+    }
+}
+
+TEST(Convert, TheTaskCountChangesNothing) {
+    ThreadPerTask threads;
+    Random random(4);
+    for (const std::uint64_t m : {600u, 1100u, 2500u, 5000u}) {
+        const Words fraction = make_words(random, m);
+        const Words expected = PlannedConversion(base, m, one_task).convert(fraction);
+        for (const std::uint64_t tasks : {2u, 3u, 8u, 13u}) {
+            PlannedConversion conversion(base, m, threads.context(tasks));
+            threads.forget();
+            EXPECT_EQ(conversion.convert(fraction, false), expected) << m << " words, " << tasks << " tasks";
+            EXPECT_EQ(threads.tasks_run() > 0, m > 1100) << m;
+            EXPECT_EQ(conversion.convert(fraction, true), expected) << m << " words, " << tasks << " tasks";
+        }
+    }
+}
+
+TEST(Convert, ShorterOutputsThanThePlan) {
+    Random random(5);
+    PlannedConversion conversion(base, 300, one_task);
+    const Words fraction = make_words(random, 310);
+    for (const std::uint64_t m : {1u, 15u, 16u, 100u, 299u}) {
+        Words digits(m);
+        const ConvertResult result = convert_L(conversion.plan, conversion.context(), digits.data() + m, m,
+                                               fraction.data(), fraction.size(), nullptr);
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(digits, top(by_basecase(base, m, fraction)));
+    }
+}
+
+// The way around a product that wraps gives the same words.
+TEST(Convert, TheExactFractionalProductIsTheSame) {
+    Random random(6);
+    for (const std::uint64_t m : {16u, 33u, 100u, 300u, 1000u}) {
+        PlannedConversion conversion(base, m, one_task);
+        const ConvertPlanP& plan = conversion.plan;
+        for (int j = 0; j < plan.levels(); ++j) {
+            const std::uint64_t s = plan.level(j).output_words;
+            const std::uint64_t node = std::min(2 * s, m);
+            for (const auto pattern : all_patterns) {
+                const Words f = make_words(random, plan.fraction_words(j, node), pattern);
+                const std::uint64_t wanted = plan.fraction_words(j - 1, node - s);
+                Words low(plan.low_fraction_words(j), kelvara_test::garbage);
+                Words exact(plan.low_fraction_words(j), kelvara_test::garbage);
+                const auto a = fractional_product(plan, j, conversion.context(), low.data(), wanted,
+                                                  {f.data(), f.size()});
+                const auto b = exact_fractional_product(plan, j, conversion.context(), exact.data(), wanted,
+                                                        {f.data(), f.size()});
+                ASSERT_EQ(Words(a.words, a.words + a.length), Words(b.words, b.words + b.length))
+                    << m << " " << j;
+            }
+        }
+    }
+}
+
+// Both ends of the recursion see the labels that were put there.
+TEST(Convert, ProgressLabels) {
+    struct Recorder : SilentProgress {
+        void push_label(std::string_view text, int attribute) override {
+            line += text;
+            attributes.push_back(attribute);
+            lengths.push_back(text.size());
+            seen.push_back(line);
+        }
+        void pop_label() override {
+            line.resize(line.size() - lengths.back());
+            lengths.pop_back();
+        }
+        std::string line;
+        std::vector<std::size_t> lengths;
+        std::vector<int> attributes;
+        std::vector<std::string> seen;
+    };
+    ThreadPerTask threads;
+    Random random(7);
+    const Words fraction = make_words(random, 9000);
+    for (const bool sequential : {true, false}) {
+        PlannedConversion conversion(base, 9000, threads.context(2));
+        Recorder recorder;
+        conversion.convert(fraction, sequential, &recorder);
+        EXPECT_EQ(recorder.line, "");
+        ASSERT_GE(recorder.seen.size(), 4u);
+        EXPECT_EQ(recorder.seen[0], "-  ");
+        EXPECT_EQ(recorder.seen[1], "-  171,004");
+        EXPECT_EQ(recorder.seen[2], sequential ? " -> 1 x " : " -> 2 x ");
+        EXPECT_EQ(recorder.seen[3], sequential ? " -> 1 x 86,350" : " -> 2 x 86,350");
+        EXPECT_EQ(recorder.attributes[0], 71);
+        EXPECT_EQ(recorder.attributes[1], 89);
+    }
+}
+
+#ifdef KELVARA_HAVE_GMP
+// Floor(f B^m) as m digit words.
+class Exact {
+  public:
+    Exact() { mpz_init(value_); }
+    ~Exact() { mpz_clear(value_); }
+    Words digits(const Words& fraction, std::uint64_t m) {
+        mpz_import(value_, fraction.size(), -1, 8, 0, 0, fraction.data());
+        mpz_t power;
+        mpz_init(power);
+        mpz_ui_pow_ui(power, 10, 19 * m);
+        mpz_mul(value_, value_, power);
+        mpz_clear(power);
+        mpz_fdiv_q_2exp(value_, value_, 64 * fraction.size());
+        Words words(m);
+        for (Word& w : words) w = mpz_fdiv_q_ui(value_, value_, base);
+        EXPECT_EQ(mpz_sgn(value_), 0);
+        return words;
+    }
+    // The fraction N / B^k + delta / 2^(64 n) in n words, N having the given digit words.
+    Words fraction(const Words& digits, std::uint64_t n, long delta) {
+        mpz_set_ui(value_, 0);
+        for (std::size_t i = digits.size(); i-- > 0;) {
+            mpz_mul_ui(value_, value_, base);
+            mpz_add_ui(value_, value_, digits[i]);
+        }
+        mpz_t power;
+        mpz_init(power);
+        mpz_ui_pow_ui(power, 10, 19 * digits.size());
+        mpz_mul_2exp(value_, value_, 64 * n);
+        mpz_fdiv_q(value_, value_, power);
+        mpz_clear(power);
+        delta >= 0 ? mpz_add_ui(value_, value_, static_cast<unsigned long>(delta))
+                   : mpz_sub_ui(value_, value_, static_cast<unsigned long>(-delta));
+        Words words(n, 0);
+        mpz_export(words.data(), nullptr, -1, 8, 0, 0, value_);
+        return words;
+    }
+
+  private:
+    mpz_t value_;
+};
+
+TEST(ConvertAgainstGmp, EverySizeAndPattern) {
+    Random random(10);
+    Exact exact;
+    for (const std::uint64_t m : sizes()) {
+        PlannedConversion conversion(base, m, one_task);
+        for (const Words& fraction : fractions(random, conversion.plan.fraction_words())) {
+            ASSERT_EQ(top(conversion.convert(fraction)), exact.digits(fraction, m)) << m;
+        }
+    }
+}
+
+TEST(ConvertAgainstGmp, LargeSizes) {
+    Random random(11);
+    Exact exact;
+    ThreadPerTask threads;
+    for (const std::uint64_t m : {2000u, 12345u}) {
+        PlannedConversion conversion(base, m, threads.context(2));
+        const Words fraction = make_words(random, conversion.plan.fraction_words());
+        EXPECT_EQ(top(conversion.convert(fraction, false)), exact.digits(fraction, m));
+    }
+}
+
+// Digits ...999|000... and ...000|000... and ...999|999... at every split point of the recursion: the binary
+// fraction is a little above or below a decimal fraction that ends there.
+TEST(ConvertAgainstGmp, RunsOfNinesAndZerosAtTheSplitPoints) {
+    Random random(12);
+    Exact exact;
+    for (const std::uint64_t m : {16u, 17u, 31u, 33u, 64u, 100u, 257u}) {
+        PlannedConversion conversion(base, m, one_task);
+        const std::uint64_t most = conversion.plan.fraction_words();
+        for (std::uint64_t k = 1; k < m; k += (m < 70 ? 1 : 7)) {
+            for (const Word last : {base - 1, Word{1}, base / 2}) {
+                Words digits(k);
+                for (Word& w : digits) w = random.next() % base;
+                digits[0] = last;
+                if (k > 2 && last == base - 1) digits[1] = base - 1;
+                // Long enough that the rest is not seen by the high half, up to the last word of the plan.
+                for (const std::uint64_t n : {most, most - 2, k + (m - k) / 2 + 2}) {
+                    for (const long delta : {1L, 2L, 0L, -1L}) {
+                        const Words fraction = exact.fraction(digits, n, delta);
+                        const Words expected = exact.digits(fraction, m);
+                        // Zeros or nines down to the very last word: whether the sum reaches the boundary is
+                        // decided below what the conversion looks at.
+                        const Words tail(expected.begin(),
+                                         expected.begin() + static_cast<std::ptrdiff_t>(m - k));
+                        if (delta > 0 && n + 2 > most && tail == Words(m - k, 0)) continue;
+                        ASSERT_EQ(top(conversion.convert(fraction)), expected)
+                            << m << " words, digits end after " << k << ", " << n << " binary words, "
+                            << delta;
+                        ASSERT_EQ(conversion.result.status, 0u);
+                    }
+                }
+            }
+        }
+    }
+}
+
+// Decimal fractions that binary words hold exactly end in zeros, wherever they end.
+TEST(ConvertAgainstGmp, PowersOfOneHalf) {
+    Exact exact;
+    for (const std::uint64_t m : {16u, 40u, 129u, 600u}) {
+        PlannedConversion conversion(base, m, one_task);
+        for (std::uint64_t bits = 1; bits <= 64 * conversion.plan.fraction_words(); bits += 1 + bits / 8) {
+            Words fraction((bits + 63) / 64, 0);
+            fraction[0] = Word{1} << (-bits & 63);
+            ASSERT_EQ(top(conversion.convert(fraction)), exact.digits(fraction, m)) << m << " " << bits;
+        }
+    }
+}
+#endif
+
+#if GTEST_HAS_DEATH_TEST
+TEST(ConvertPlanDeathTest, APlanIsPopulatedOnce) {
+    PlannedConversion conversion(base, 100, one_task);
+    std::vector<Word> tables(conversion.plan.table_words() + 8);
+    EXPECT_FATAL(conversion.plan.populate_fft_plans(conversion.context(), tables.data()),
+                 "ConvertPlanP::populate_fft_plans\\(\\): Thread Inconsistancy");
+}
+#endif
+
+}  // namespace
+}  // namespace qmp
