@@ -1,5 +1,6 @@
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
+#include "constants/e_taylor.h"
 
 namespace kelvara {
 
@@ -9,6 +10,11 @@ class E final : public Constant {
   public:
     E() : Constant(e_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<E>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<ETaylor>(size(), tasks, algorithm() == 1);
+    }
 };
 
 constexpr std::string_view keys[] = {"e"};

@@ -1,5 +1,6 @@
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
+#include "constants/pi_series.h"
 
 namespace kelvara {
 
@@ -9,6 +10,11 @@ class Pi final : public Constant {
   public:
     Pi() : Constant(pi_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<Pi>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<PiSeries>(size(), tasks, pi_formula(algorithm()));
+    }
 };
 
 constexpr std::string_view keys[] = {"pi"};

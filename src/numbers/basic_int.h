@@ -16,7 +16,7 @@ struct BasicIntView {
 
 // Value = sum of T[i] * 2^(64 i). After every operation L == 0 or T[L - 1] != 0.
 class BasicInt {
- public:
+  public:
     Word* T = nullptr;
     std::uint64_t L = 0;
     std::uint64_t hash = 0;

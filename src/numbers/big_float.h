@@ -34,7 +34,7 @@ struct BigFloatView {
 
 // Value = +-sum of T[i] * 2^(64 (exp + i)). Zero is L = 0, sign = 1. Otherwise T[L - 1] != 0.
 class BigFloat {
- public:
+  public:
     Word* T = nullptr;
     std::uint64_t L = 0;
     std::int64_t exp = 0;

@@ -25,7 +25,9 @@ constexpr std::uint64_t check_add(std::uint64_t a, std::uint64_t b) {
     const std::uint64_t sum = a + b;
     return sum >= check_modulus ? sum - check_modulus : sum;
 }
-constexpr std::uint64_t check_sub(std::uint64_t a, std::uint64_t b) { return a >= b ? a - b : a + check_modulus - b; }
+constexpr std::uint64_t check_sub(std::uint64_t a, std::uint64_t b) {
+    return a >= b ? a - b : a + check_modulus - b;
+}
 constexpr std::uint64_t check_mul(std::uint64_t a, std::uint64_t b) {
     return check_reduce(static_cast<DoubleWord>(a) * b);
 }

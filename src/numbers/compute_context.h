@@ -29,17 +29,17 @@ struct ComputeContext {
 
 // A BigFloat together with the checked array it lives in.
 class OwnedBigFloat {
- public:
+  public:
     OwnedBigFloat() = default;
     OwnedBigFloat(RegionAllocator* region, std::uint64_t capacity)
         : buffer_(region, capacity), number(buffer_.data(), capacity) {}
 
     void check() const { buffer_.check(); }
 
- private:
+  private:
     CheckedWords buffer_;
 
- public:
+  public:
     BigFloat number;
 };
 

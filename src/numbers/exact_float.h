@@ -25,7 +25,7 @@ struct ExactFloatView {
 
 // Value = sum of T[i] * 2^(64 (exp + i)).
 class ExactFloat {
- public:
+  public:
     Word* T = nullptr;  // may lie above base
     std::uint64_t L = 0;
     std::int64_t exp = 0;

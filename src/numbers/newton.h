@@ -25,19 +25,21 @@ std::uint64_t reciprocal_scratch_words(std::uint64_t p);
 std::uint64_t division_scratch_words(std::uint64_t p);
 std::uint64_t inverse_square_root_scratch_words(std::uint64_t p);
 std::uint64_t newton_multiply_scratch_bytes(std::uint64_t p, std::uint64_t tasks);
+// The longest product, in words, that any of the forms makes at p words: what the twiddle set must cover.
+std::uint64_t newton_largest_product(std::uint64_t p);
 
 // r = 1/x. Capacity of r: p + 3 words.
-void BigFloatR_rcp_E(const MultiplyContext& context, BigFloat& r, BigFloatView x, std::uint64_t p, Word* scratch,
-                     std::uint64_t scratch_words);
-void BigFloatR_rcp_P(const MultiplyContext& context, BigFloat& r, BigFloatView x, std::uint64_t p, Word* scratch,
-                     std::uint64_t scratch_words, Progress* progress);
-// q = a/b. Capacity of q: p + 3 words.
-void BigFloatR_div_P(const MultiplyContext& context, BigFloat& q, BigFloatView a, BigFloatView b, std::uint64_t p,
+void BigFloatR_rcp_E(const MultiplyContext& context, BigFloat& r, BigFloatView x, std::uint64_t p,
+                     Word* scratch, std::uint64_t scratch_words);
+void BigFloatR_rcp_P(const MultiplyContext& context, BigFloat& r, BigFloatView x, std::uint64_t p,
                      Word* scratch, std::uint64_t scratch_words, Progress* progress);
+// q = a/b. Capacity of q: p + 3 words.
+void BigFloatR_div_P(const MultiplyContext& context, BigFloat& q, BigFloatView a, BigFloatView b,
+                     std::uint64_t p, Word* scratch, std::uint64_t scratch_words, Progress* progress);
 // r = 1/sqrt(w). Capacity of r: p + 4 words.
-void BigFloatR_invsqrt_uW_E(const MultiplyContext& context, BigFloat& r, Word w, std::uint64_t p, Word* scratch,
-                            std::uint64_t scratch_words);
-void BigFloatR_invsqrt_uW_P(const MultiplyContext& context, BigFloat& r, Word w, std::uint64_t p, Word* scratch,
-                            std::uint64_t scratch_words, Progress* progress);
+void BigFloatR_invsqrt_uW_E(const MultiplyContext& context, BigFloat& r, Word w, std::uint64_t p,
+                            Word* scratch, std::uint64_t scratch_words);
+void BigFloatR_invsqrt_uW_P(const MultiplyContext& context, BigFloat& r, Word w, std::uint64_t p,
+                            Word* scratch, std::uint64_t scratch_words, Progress* progress);
 
 }  // namespace qmp

@@ -1,1 +1,6 @@
-int main() { return 0; }
+#include "shell/dispatcher.h"
+#include "shell/program.h"
+
+int main() {
+    return kelvara::run_program(kelvara::dispatch);
+}

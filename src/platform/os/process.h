@@ -10,6 +10,9 @@
 
 namespace qmp::os {
 
+// "Windows" or "Linux".
+std::string_view system_name();
+
 // The arguments as UTF-8, the program itself included. Usable before main.
 std::vector<std::string> arguments();
 

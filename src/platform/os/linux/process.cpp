@@ -30,6 +30,8 @@ std::string read_process_file(const char* path) {
 
 }  // namespace
 
+std::string_view system_name() { return "Linux"; }
+
 std::vector<std::string> arguments() {
     const std::string joined = read_process_file("/proc/self/cmdline");
     std::vector<std::string> result;

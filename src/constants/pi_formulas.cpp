@@ -1,0 +1,147 @@
+#include "constants/pi_formulas.h"
+
+#include "errors/check.h"
+#include "series/leaf_bisection.h"
+#include "series/leaf_int.h"
+#include "series/series_constants.h"
+
+namespace kelvara {
+
+using qmp::BasicInt;
+using qmp::BSS_P2B3_Type0;
+using qmp::ExactFloat;
+using qmp::leaf_mul;
+using qmp::leaf_set;
+using qmp::LeafOutputs;
+using qmp::MultiplyContext;
+using qmp::parse_literal;
+using qmp::require_capacity;
+using qmp::SeriesCost;
+using qmp::Word;
+
+namespace {
+
+constexpr std::uint64_t r_words = 3;
+constexpr std::uint64_t p_words = 5;
+constexpr std::uint64_t q_words = 4;
+
+// x = R (slope k + offset), a factor of up to two words.
+void mul_linear(BasicInt& x, const BasicInt& R, Word slope, Word offset, std::uint64_t k) {
+    Word words[3];
+    BasicInt factor(words, 3);
+    leaf_set(factor, slope);
+    leaf_mul(factor, k);
+    leaf_add(factor, offset);
+    x.set_mulB(R, factor);
+}
+
+// x = c k^3.
+void cube(BasicInt& x, Word c, std::uint64_t k) {
+    leaf_set(x, c);
+    leaf_mul(x, k);
+    leaf_mul(x, k);
+    leaf_mul(x, k);
+}
+
+struct ChudnovskyKernel {
+    static constexpr std::uint64_t words = p_words;
+    static constexpr std::uint64_t leaf_size = 8;
+    static constexpr std::uint64_t longest_range = leaf_size - 1;
+
+    void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
+        Pi_Chudnovsky_BSR_End_PR1(P, R, k);
+        Pi_Chudnovsky_BSR_End_Q1(Q, k);
+    }
+};
+
+struct RamanujanKernel {
+    static constexpr std::uint64_t words = p_words;
+    static constexpr std::uint64_t leaf_size = 12;
+    static constexpr std::uint64_t longest_range = leaf_size - 1;
+
+    void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
+        Pi_Ramanujan_BSR_End_R1(R, k);
+        Pi_Ramanujan_BSR_End_P1(P, R, k);
+        Pi_Ramanujan_BSR_End_Q1(Q, k);
+    }
+};
+
+template <typename Kernel>
+class TermByTermSeries final : public BSS_P2B3_Type0 {
+  public:
+    TermByTermSeries(bool alternates, const SeriesCost& model)
+        : BSS_P2B3_Type0(alternates, 23, Kernel::leaf_size, model) {}
+
+    void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext&, std::uint64_t a,
+                 std::uint64_t b) const override {
+        LeafOutputs out = {{P.base, P.AL}, {Q.base, Q.AL}, {R.base, R.AL}};
+        leaf_bisect(Kernel(), alternating, out, a, b);
+        set_leaf(P, out.P);
+        set_leaf(Q, out.Q);
+        set_leaf(R, out.R);
+    }
+};
+
+// Per term: ln(640320^3 / 1728) and ln(640320^3 / 24).
+const BSS_P2B3_Type0& chudnovsky() {
+    static const TermByTermSeries<ChudnovskyKernel> series(
+        true, SeriesCost::of(parse_literal("32.65445004176851599077913804969300490729"),
+                             parse_literal("36.93111616078457130182132488791258602081"), 3));
+    return series;
+}
+
+// Per term: ln 96059301, which is a little below ln(396^4 / 256) and kept so that term counts stay as they
+// are, and ln(396^4 / 8).
+const BSS_P2B3_Type0& ramanujan() {
+    static const TermByTermSeries<RamanujanKernel> series(
+        false, SeriesCost::of(parse_literal("18.38047627747241588639166145022043732094"),
+                              parse_literal("21.84621530333808625449589681453160567684"), 3));
+    return series;
+}
+
+}  // namespace
+
+const PiFormula& pi_formula(std::uint32_t algorithm) {
+    static const PiFormula formulas[] = {
+        {chudnovsky(), true, 13591409, 4270934400, 10005, false, "Chudnovsky", "Chudnovsky Formula"},
+        {ramanujan(), false, 1103, 9801, 8, false, "Ramanujan", "Ramanujan's Formula"},
+        {chudnovsky(), true, 13591409, 4270934400, 10005, true, "Chudnovsky",
+         "Chudnovsky Formula (reduced memory)"},
+        {ramanujan(), false, 1103, 9801, 8, true, "Ramanujan", "Ramanujan's Formula (reduced memory)"},
+    };
+    return formulas[algorithm];
+}
+
+void Pi_Chudnovsky_BSR_End_PR1(BasicInt& P, BasicInt& R, std::uint64_t k) {
+    const char* function = "Pi_Chudnovsky_BSR_End_PR1()";
+    require_capacity(function, R.AL, r_words);
+    require_capacity(function, P.AL, p_words);
+    leaf_set(R, 6 * k - 5);
+    leaf_mul(R, 2 * k - 1);
+    leaf_mul(R, 6 * k - 1);
+    mul_linear(P, R, 545140134, 13591409, k);
+}
+
+void Pi_Chudnovsky_BSR_End_Q1(BasicInt& Q, std::uint64_t k) {
+    require_capacity("Pi_Chudnovsky_BSR_End_Q1()", Q.AL, q_words);
+    cube(Q, 10939058860032000, k);
+}
+
+void Pi_Ramanujan_BSR_End_R1(BasicInt& R, std::uint64_t k) {
+    require_capacity("Pi_Ramanujan_BSR_End_R1()", R.AL, r_words);
+    leaf_set(R, 4 * k - 3);
+    leaf_mul(R, 2 * k - 1);
+    leaf_mul(R, 4 * k - 1);
+}
+
+void Pi_Ramanujan_BSR_End_P1(BasicInt& P, const BasicInt& R, std::uint64_t k) {
+    require_capacity("Pi_Ramanujan_BSR_End_P1()", P.AL, p_words);
+    mul_linear(P, R, 26390, 1103, k);
+}
+
+void Pi_Ramanujan_BSR_End_Q1(BasicInt& Q, std::uint64_t k) {
+    require_capacity("Pi_Ramanujan_BSR_End_Q1()", Q.AL, q_words);
+    cube(Q, 3073907232, k);
+}
+
+}  // namespace kelvara

@@ -1,0 +1,37 @@
+// Series with three partial products: P/Q over (a, b] is the sum over k = a + 1 .. b of
+// s_k (P(k)/Q(k)) times the product over j = a + 1 .. k - 1 of R(j)/Q(j); R is the product of the R(k).
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "multiply/multiply_context.h"
+#include "numbers/exact_float.h"
+#include "series/binary_splitting_series.h"
+
+namespace qmp {
+
+class BSS_P2B3_Type0 : public CostedSeries {
+  public:
+    // P, Q, R, and the temporary of the merges.
+    static constexpr std::size_t output_count = 3;
+    static constexpr std::size_t buffer_count = 4;
+    using Buffers = std::array<ExactFloat, buffer_count>;
+    static constexpr const char* psr_function = "BSS_P2B3_Type0::B_PSR()";
+
+    // A range of fewer than leaf_size terms. BufferTooSmallException in the kernel's name.
+    virtual void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext& scratch,
+                         std::uint64_t a, std::uint64_t b) const = 0;
+
+    void leaf(const MultiplyContext& context, Buffers& out, std::uint64_t a, std::uint64_t b) const {
+        BSR_End(out[0], out[1], out[2], context, a, b);
+    }
+    // P = P0 Q1 +- R0 P1, Q = Q0 Q1, R = R0 R1. `whole` holds the left half's values at the start of its
+    // buffers, and receives the result there; `right` may lie above them in the same buffers.
+    static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool subtract);
+
+  protected:
+    using CostedSeries::CostedSeries;
+};
+
+}  // namespace qmp

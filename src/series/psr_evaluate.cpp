@@ -1,0 +1,155 @@
+#include "series/psr_evaluate.h"
+
+#include <algorithm>
+#include <string>
+
+#include "console/format.h"
+#include "errors/check.h"
+#include "radix/digit_counts.h"
+#include "series/bsr_engine.h"
+#include "series/bsr_verify.h"
+#include "series/transform_pair.h"
+
+namespace qmp {
+
+namespace {
+
+// What a fold works on: the exact results of a block, the running sums behind it, and the two exact buffers
+// whole, which are free as soon as the block's results are held transformed.
+struct Fold {
+    const MultiplyContext& context;
+    std::uint64_t p;  // precision at the block's start
+    bool subtract;
+    BigFloat& P;
+    BigFloat& Q;
+    BigFloat product;  // over the second exact buffer
+    BigFloat sum;      // over the first one
+
+    BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(p + 2); }
+    std::uint64_t convolution(std::uint64_t longest_product) const { return longest_product + 6; }
+    // P = product +- P.
+    void finish() {
+        if (subtract) {
+            sum.set_usub(context.parallel(), product, P, p);
+        } else {
+            sum.set_uadd(context.parallel(), product, P, p);
+        }
+        P.set_BigFloat(context.parallel(), sum, p);
+    }
+};
+
+// P = P0 Q1 +- P1 Q0, Q = Q0 Q1.
+void fold_block(const BSS_P2B2_BBP&, Fold& fold, const BSS_P2B2_BBP::Buffers& block) {
+    const BigFloatView P0 = fold.cut(block[0]);
+    const BigFloatView Q0 = fold.cut(block[1]);
+    const std::uint64_t longest = std::max({P0.L + fold.Q.L, Q0.L + fold.Q.L, Q0.L + fold.P.L});
+    FloatTransformPair pair(fold.context, fold.convolution(longest));
+    pair.load(0, Q0);
+    pair.load(1, fold.P);
+    pair.multiply(fold.P, 1, fold.p);
+    pair.load(1, fold.Q);
+    pair.multiply(fold.Q, 0, fold.p);
+    pair.load(0, P0);
+    pair.multiply(fold.product, 0, fold.p);
+    fold.finish();
+}
+
+// P = P0 Q1 +- R0 P1, Q = Q0 Q1.
+void fold_block(const BSS_P2B3_Type0&, Fold& fold, const BSS_P2B3_Type0::Buffers& block) {
+    const BigFloatView P0 = fold.cut(block[0]);
+    const BigFloatView Q0 = fold.cut(block[1]);
+    const BigFloatView R0 = fold.cut(block[2]);
+    {
+        FloatTransformPair pair(fold.context, fold.convolution(R0.L + fold.P.L));
+        pair.load(0, R0);
+        pair.load(1, fold.P);
+        pair.multiply(fold.P, 1, fold.p);
+    }
+    {
+        FloatTransformPair pair(fold.context, fold.convolution(fold.Q.L + std::max(P0.L, Q0.L)));
+        pair.load(0, fold.Q);
+        pair.load(1, Q0);
+        pair.multiply(fold.Q, 1, fold.p);
+        pair.load(1, P0);
+        pair.multiply(fold.product, 1, fold.p);
+    }
+    fold.finish();
+}
+
+// Two temporaries of `words` words at the start of each exact buffer.
+template <typename Series>
+typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
+    typename Series::Buffers out;
+    for (std::size_t i = 0; i < Series::buffer_count; i++) {
+        const CheckedWords& buffer = memory.exact[i / 2];
+        require_capacity(Series::psr_function, buffer.words(), 2 * words);
+        out[i] = ExactFloat(buffer.data() + i % 2 * words, words);
+    }
+    return out;
+}
+
+}  // namespace
+
+PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
+    exact[0] = context.allocate(2 * sizes.exact_words);
+    running[1] = context.allocate(sizes.running_words);
+    running[0] = context.allocate(sizes.running_words);
+    exact[1] = context.allocate(2 * sizes.exact_words);
+    scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
+}
+
+void PsrMemory::release_temporaries() {
+    scratch.reset();
+    exact[1].reset();
+    running[0].reset();
+}
+
+template <typename Series>
+void B_PSR(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
+           std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    P = BigFloat(memory.running[0].data(), memory.running[0].words());
+    Q = BigFloat(memory.running[1].data(), memory.running[1].words());
+    const std::uint64_t total = plan.blocks.size() - first;
+    for (std::uint64_t done = 0; done < total; done++) {
+        const std::uint64_t i = plan.last() - done;
+        const PsrBlock& block = plan.blocks[i];
+        ScopedLabel label(progress,
+                          "Series: " + std::to_string(i) + " ( " + std::to_string(done) + " / " +
+                              std::to_string(total) + " )  ",
+                          'P');
+
+        const std::uint64_t depth = 2 * block.size >= plan.blocks[first].size ? 1 : 0;
+        const BsrSizes sizes = BSR_sizes(series, block.size, depth, context.tds);
+        auto exact = carve<Series>(memory, sizes.words & ~std::uint64_t{7});
+        BSR_block(series, context, progress, exact, block.a, block.b, depth);
+        qcb_Verify_BSR(progress, block.a, block.b, {exact.data(), Series::output_count}, context.parallel());
+
+        const BigFloatView P0 = {exact[0].T, exact[0].L, exact[0].exp, 1};
+        const BigFloatView Q0 = {exact[1].T, exact[1].L, exact[1].exp, 1};
+        if (done == 0) {
+            P.set_BigFloat(context.parallel(), P0, P0.L);
+            Q.set_BigFloat(context.parallel(), Q0, Q0.L);
+            continue;
+        }
+        const std::uint64_t p = block.precision_at_a;
+        P.truncate_to(p + 2);
+        Q.truncate_to(p + 2);
+        ScopedLabel merge(progress, "-  ", label_colour);
+        ScopedLabel size(progress, console::format_separated(word_to_dec(Q0.L + Q.L)), label_size_colour);
+        Fold fold = {context,
+                     p,
+                     series.subtracts(block.a, block.b),
+                     P,
+                     Q,
+                     BigFloat(memory.exact[1].data(), memory.exact[1].words()),
+                     BigFloat(memory.exact[0].data(), memory.exact[0].words())};
+        fold_block(series, fold, exact);
+    }
+}
+
+template void B_PSR(const BSS_P2B2_BBP&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
+                    PsrMemory&, BigFloat&, BigFloat&);
+template void B_PSR(const BSS_P2B3_Type0&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
+                    PsrMemory&, BigFloat&, BigFloat&);
+
+}  // namespace qmp

@@ -1,0 +1,43 @@
+// The evaluation of a plan in memory: its blocks are summed exactly, checked, and folded into running
+// sums that keep only the words that still count.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "console/progress.h"
+#include "numbers/compute_context.h"
+#include "series/bss_p2b2_bbp.h"
+#include "series/bss_p2b3_type0.h"
+#include "series/psr_plan.h"
+
+namespace qmp {
+
+// The buffers of an evaluation. Two hold the exact results of a block, two temporaries each; two hold the
+// running P and Q. exact[0] and running[1] lie lowest, so that what the other buffers took is one piece
+// once they are released.
+struct PsrMemory {
+    std::array<CheckedWords, 2> exact;
+    std::array<CheckedWords, 2> running;
+    CheckedWords scratch;
+
+    PsrMemory(const ComputeContext& context, const PlanSizes& sizes);
+    // Lets go of everything but exact[0] and running[1].
+    void release_temporaries();
+};
+
+// Sums the blocks from `first` on: P/Q over the terms behind the start of that block, exact to the
+// precision of the plan. P and Q lie in the running buffers, and keep precision_at_a + 2 words of block
+// `first` unless it is the only one.
+// BufferTooSmallException in the family's name when a block's temporaries do not fit, and what the merges
+// and checks of its blocks throw.
+template <typename Series>
+void B_PSR(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
+           std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
+
+extern template void B_PSR(const BSS_P2B2_BBP&, const MultiplyContext&, Progress*, const PsrPlan&,
+                           std::uint64_t, PsrMemory&, BigFloat&, BigFloat&);
+extern template void B_PSR(const BSS_P2B3_Type0&, const MultiplyContext&, Progress*, const PsrPlan&,
+                           std::uint64_t, PsrMemory&, BigFloat&, BigFloat&);
+
+}  // namespace qmp

@@ -1,0 +1,69 @@
+#include "series/transform_pair.h"
+
+#include <algorithm>
+
+#include "multiply/multiply.h"
+
+namespace qmp {
+
+namespace {
+
+template <typename View>
+View copied(Word* buffer, View operand) {
+    std::copy_n(operand.T, operand.L, buffer);
+    operand.T = buffer;
+    return operand;
+}
+
+}  // namespace
+
+TransformSlots::TransformSlots(const MultiplyContext& context, std::uint64_t n, const char* function)
+    : rest_(context) {
+    std::uint64_t slot = (n + 7) & ~std::uint64_t{7};
+    if (n > transform_pair_short_product) {
+        parameters_ = &construct_transform(box_, n);
+        slot = parameters_->operand_words;
+    }
+    data_[0] = context.scratch;
+    data_[1] = context.scratch + slot;
+    rest_ = context.after(2 * slot, function);
+}
+
+void ExactTransformPair::load(unsigned slot, ExactFloatView operand) {
+    if (is_short()) {
+        short_[slot] = copied(data_[slot], operand);
+    } else {
+        transformed_[slot].forward(rest_, *parameters_, data_[slot], operand);
+    }
+}
+
+void ExactTransformPair::multiply(ExactFloat& destination, unsigned consumed) {
+    const unsigned kept = 1 - consumed;
+    if (is_short()) {
+        destination.set_mul(rest_, short_[consumed], short_[kept]);
+    } else {
+        ExactFloatTransformR::inverse_fmul(rest_, destination, transformed_[consumed], transformed_[kept]);
+    }
+}
+
+void FloatTransformPair::load(unsigned slot, BigFloatView operand) {
+    if (is_short()) {
+        short_[slot] = copied(data_[slot], operand);
+    } else {
+        transformed_[slot].forward(rest_, *parameters_, data_[slot], operand);
+    }
+}
+
+void FloatTransformPair::multiply(BigFloat& destination, unsigned consumed, std::uint64_t p) {
+    const unsigned kept = 1 - consumed;
+    if (is_short()) {
+        destination.set_mul(rest_, short_[consumed], short_[kept], p);
+        return;
+    }
+    BigFloatTransformR& a = transformed_[consumed];
+    const BigFloatTransformR& b = transformed_[kept];
+    const std::int64_t end = a.exp + b.exp + static_cast<std::int64_t>(a.L + b.L);
+    BigFloatTransformR::inverse_fmul(rest_, destination, a, b, end, p);
+}
+
+}  // namespace qmp

@@ -1,0 +1,26 @@
+#include "shell/startup.h"
+
+#include "console/console.h"
+#include "platform/os/process.h"
+#include "platform/startup_state.h"
+#include "shell/crash_handler.h"
+#include "shell/feature_check.h"
+#include "shell/group_check.h"
+#include "shell/leading_flags.h"
+
+namespace kelvara {
+
+int start_up(CommandLine& command_line, Dispatcher dispatcher) {
+    parse_leading_flags(command_line);
+    // A computation of days leaves the machine usable.
+    qmp::os::lower_process_priority();
+    qmp::os::install_crash_handler(handle_crash);
+    check_processor_features();
+    check_processor_groups();
+    IntegrityCheck integrity_check(startup_state().program_path);
+    qmp::console::newline();
+    dispatcher(command_line, integrity_check);
+    return 0;
+}
+
+}  // namespace kelvara
