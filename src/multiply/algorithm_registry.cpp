@@ -5,6 +5,7 @@
 
 #include "multiply/algorithm_table.h"
 #include "multiply/basecase/basecase_algorithm.h"
+#include "multiply/fft/fft_algorithm.h"
 
 namespace qmp {
 namespace {
@@ -17,6 +18,7 @@ const Registry& registry() {
     static const Registry algorithms = {
         {"BKT", {&basecase::algorithm32(), &basecase::algorithm64(), nullptr, nullptr}},
         {"C17", {nullptr, nullptr, nullptr, nullptr}},
+        {"FFT", {&fft::algorithm32(), &fft::algorithm64(), nullptr, nullptr}},
     };
     return algorithms;
 }

@@ -11,6 +11,7 @@ namespace qmp {
 const std::vector<AlgorithmThreshold>& basic_algorithm_list() {
     static const std::vector<AlgorithmThreshold> list = {
         {"BKT", 3712},
+        {"FFT", 655360},
     };
     return list;
 }

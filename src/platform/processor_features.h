@@ -1,5 +1,8 @@
-// What the processor's identification instruction and the saved extended state say.
+// What the processor's identification instruction (CPUID) and the register of the extended state that the
+// system saves (XCR0) say.
 #pragma once
+
+#include <cstdint>
 
 namespace qmp {
 
@@ -14,6 +17,24 @@ struct ProcessorFeatures {
     bool avx512f = false, avx512pf = false, avx512er = false, avx512cd = false, avx512vl = false;
     bool avx512bw = false, avx512dq = false, avx512ifma = false, avx512vbmi = false;
 };
+
+// The four registers that CPUID returns for one leaf.
+struct CpuidLeaf {
+    std::uint32_t eax = 0, ebx = 0, ecx = 0, edx = 0;
+};
+
+// Everything that the features follow from. Leaves that a processor lacks stay zero.
+struct CpuidLeaves {
+    CpuidLeaf leaf_0;  // eax: the highest basic leaf; ebx, edx, ecx: the vendor's name
+    CpuidLeaf leaf_1;
+    CpuidLeaf leaf_7;         // sub-leaf 0
+    CpuidLeaf leaf_80000000;  // eax: the highest extended leaf
+    CpuidLeaf leaf_80000001;
+    std::uint64_t xcr0 = 0;  // 0 when the system does not let programs read it
+};
+
+CpuidLeaves read_cpuid();
+ProcessorFeatures features_of(const CpuidLeaves& leaves);
 
 // Reads the processor each time.
 ProcessorFeatures detect_features();

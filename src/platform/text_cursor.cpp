@@ -8,10 +8,16 @@
 namespace qmp {
 namespace {
 
-[[noreturn]] void fail() { throw ParseException("TextCursor::read_integer()", "Unexpected end of string."); }
+[[noreturn]] void fail() {
+    throw ParseException("TextCursor::read_integer()", "Unexpected end of string.");
+}
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-bool is_space(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
 
 }  // namespace
 
@@ -34,9 +40,10 @@ std::int64_t TextCursor::read_integer() {
     constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
     std::uint64_t value = 0;
     for (; !rest_.empty() && is_digit(rest_.front()); rest_.remove_prefix(1)) {
-        value = value > largest / 10 ? largest
-                                     : std::min<std::uint64_t>(
-                                           value * 10 + static_cast<std::uint64_t>(rest_.front() - '0'), largest);
+        value = value > largest / 10
+                    ? largest
+                    : std::min<std::uint64_t>(value * 10 + static_cast<std::uint64_t>(rest_.front() - '0'),
+                                              largest);
     }
     // A record line that breaks off may have lost digits.
     if (rest_.empty() ? labelled : !is_space(rest_.front())) fail();

@@ -11,7 +11,7 @@
 namespace qmp {
 
 class TextCursor {
- public:
+  public:
     // The text must outlive the cursor.
     explicit TextCursor(std::string_view text) : rest_(text) {}
 
@@ -20,7 +20,7 @@ class TextCursor {
     // The text not yet read.
     std::string_view rest() const { return rest_; }
 
- private:
+  private:
     // True when a label was there.
     bool skip_label();
 

@@ -13,7 +13,7 @@
 namespace qmp::FileIO {
 
 class SequentialFile {
- public:
+  public:
     SequentialFile();
     ~SequentialFile();
     SequentialFile(SequentialFile&&) noexcept;
@@ -35,7 +35,7 @@ class SequentialFile {
     const std::string& path() const { return path_; }
     std::uint32_t last_error() const { return last_error_; }
 
- private:
+  private:
     struct Handle;
     std::string path_;
     std::unique_ptr<Handle> handle_;

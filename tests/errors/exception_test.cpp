@@ -9,18 +9,11 @@
 #include "errors/os_errors.h"
 #include "errors/std_exception.h"
 #include "errors/system_exception.h"
+#include "support/console.h"
 
 namespace {
 
-template <typename Function>
-std::string printed_by(Function&& function) {
-    testing::internal::CaptureStdout();
-    function();
-    std::string text = testing::internal::GetCapturedStdout();
-    // Where the system ends lines in two characters, the content is what counts here.
-    std::erase(text, '\r');
-    return text;
-}
+using kelvara_test::printed_by;
 
 std::string printed(const qmp::Exception& exception) {
     return printed_by([&] { exception.print(); });

@@ -19,7 +19,8 @@ class BasecaseKaratsuba final : public WordAlgorithm<W> {
         : WordAlgorithm<W>(largest_product_bits, "BKT", "Basecase/Karatsuba", "MULB", "Basic Multiply") {}
 
     std::uint64_t psize(std::uint64_t n, std::uint64_t) const override {
-        return parameter_scratch_bytes<W>(n) + 2 * align64(sizeof(W) * (n + 1));
+        // Whole words of 64 bits: the 32-bit kind's scratch may end in the middle of one.
+        return 8 * words_for_bytes(parameter_scratch_bytes<W>(n)) + 2 * align64(sizeof(W) * (n + 1));
     }
 
     void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,

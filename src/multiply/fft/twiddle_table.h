@@ -12,7 +12,7 @@
 namespace qmp::fft {
 
 class TwiddleTable {
- public:
+  public:
     TwiddleTable() = default;
     // Builds into memory[0 .. doubles(r, k)), 64-byte aligned.
     TwiddleTable(std::uint32_t r, std::uint32_t k, double* memory, ParallelContext parallel);
@@ -26,7 +26,7 @@ class TwiddleTable {
     const double* level(std::uint32_t j) const { return levels_[j]; }
     double scale(std::uint32_t index) const { return scales_[index]; }
 
- private:
+  private:
     double* memory_ = nullptr;
     std::array<const double*, 64> levels_{};
     std::array<double, 128> scales_{};

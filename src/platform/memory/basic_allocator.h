@@ -20,7 +20,7 @@ struct SpreadRecord {
 
 // The large heap. Freed by its destructor.
 class HeapBlock {
- public:
+  public:
     virtual ~HeapBlock() = default;
 
     void* base = nullptr;    // null when the allocation failed
@@ -32,7 +32,7 @@ class HeapBlock {
 };
 
 class BasicAllocator : public ComponentSettings {
- public:
+  public:
     virtual const char* get_type_name() const = 0;
     virtual const char* get_display_name() const = 0;
     // The allocator's own menu lines; returns the highest valid option number.

@@ -16,7 +16,9 @@ constexpr std::uint64_t checked_array_sentinel = 0x5451234810025523;
 
 // The overhead, in bytes, that one checked array of this alignment adds to its payload: sentinels,
 // header, alignment and its record.
-constexpr std::uint64_t checked_array_overhead(std::uint64_t alignment) { return alignment + 40 + 8 + 16; }
+constexpr std::uint64_t checked_array_overhead(std::uint64_t alignment) {
+    return alignment + 40 + 8 + 16;
+}
 
 // Bytes are rounded up to a multiple of 8; alignments below 8 are raised to 8. An array of 0 bytes is
 // the address with all bits set.
@@ -27,7 +29,7 @@ void checked_free(void* p);
 
 // An owned checked array of words, 64-byte aligned.
 class CheckedWords {
- public:
+  public:
     using Word = std::uint64_t;
 
     CheckedWords() = default;
@@ -53,7 +55,7 @@ class CheckedWords {
     Word* data() const { return data_; }
     std::uint64_t words() const { return words_; }
 
- private:
+  private:
     Word* data_ = nullptr;
     std::uint64_t words_ = 0;
 };

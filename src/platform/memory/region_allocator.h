@@ -9,7 +9,7 @@
 namespace qmp {
 
 class RegionAllocator {
- public:
+  public:
     // The region must be 8-byte aligned and outlive the allocator and every block.
     RegionAllocator(void* region, std::uint64_t bytes);
     RegionAllocator(const RegionAllocator&) = delete;
@@ -27,7 +27,7 @@ class RegionAllocator {
     // End of the highest live block, in bytes from the region's start.
     std::uint64_t used_bytes() const { return top_ - start_; }
 
- private:
+  private:
     struct Record {
         std::uint64_t address;
         std::uint64_t size;

@@ -10,9 +10,9 @@ std::uint64_t total_physical_memory();
 // What a program could take without pushing others out; 0 when the system does not tell.
 std::uint64_t available_physical_memory();
 
-// What this process could fill in all, paging included, before the system refuses it or kills somebody;
-// 0 when the system does not tell. A system that promises more than it has finds out only when the pages
-// are written, so a large request is compared with this first.
+// What this process could fill in all, paging included, before the system would kill somebody. A system
+// that promises more than it has finds out only when the pages are written, so a large request is compared
+// with this first. 0 when the system does not tell, or refuses by itself what it cannot hold.
 std::uint64_t committable_memory();
 
 }  // namespace qmp::os

@@ -6,7 +6,7 @@
 namespace qmp {
 
 class BasicAction {
- public:
+  public:
     virtual ~BasicAction() = default;
     virtual void run(std::uint64_t index) = 0;
 };
@@ -14,11 +14,11 @@ class BasicAction {
 // Runs a callable: Callable(std::uint64_t index). Holds a reference; lives on the caller's stack.
 template <typename Callable>
 class FunctionAction final : public BasicAction {
- public:
+  public:
     explicit FunctionAction(Callable& callable) : callable_(callable) {}
     void run(std::uint64_t index) override { callable_(index); }
 
- private:
+  private:
     Callable& callable_;
 };
 

@@ -18,7 +18,7 @@ class TextCursor;
 
 // Saving and restoring a component's own settings as text.
 class ComponentSettings {
- public:
+  public:
     virtual ~ComponentSettings() = default;
     // The component's own settings, one "label: value" per line; empty when it has none.
     virtual std::string print_settings() const { return {}; }
@@ -27,7 +27,7 @@ class ComponentSettings {
 };
 
 class BasicParallelizer : public ComponentSettings {
- public:
+  public:
     // Runs action.run(i) once for every i in [start, end), in any order. Empty ranges return at once; a
     // single task runs on the calling thread. The default halves the range recursively.
     virtual void run_in_parallel(BasicAction& action, std::uint64_t start, std::uint64_t end);
@@ -52,7 +52,7 @@ class BasicParallelizer : public ComponentSettings {
     // Worker-thread limit; 0 is unlimited.
     std::uint64_t threads = 0;
 
- protected:
+  protected:
     // What the framework adds to its summary: "  (randomization on)".
     virtual std::string summary_remark() const { return {}; }
 };

@@ -27,7 +27,8 @@ void print_parallelization_menu_head() {
     console::println("Current Settings: (select option # to change setting)\n");
 }
 
-std::uint64_t print_parallelization_options(std::uint64_t task_decomposition, const BasicParallelizer& framework) {
+std::uint64_t print_parallelization_options(std::uint64_t task_decomposition,
+                                            const BasicParallelizer& framework) {
     print_core_count("   1    Restore defaults for ");
     console::newline();
     menu::print_option("   2    Task Decomposition:", std::to_string(task_decomposition), 'Y');
@@ -41,7 +42,8 @@ std::uint64_t print_parallelization_options(std::uint64_t task_decomposition, co
 }  // namespace
 
 std::unique_ptr<BasicParallelizer> select_parallelizer() {
-    return make_parallelizer_by_number(menu::choose("Select a Parallel Framework:", parallelizer_display_names()));
+    return make_parallelizer_by_number(
+        menu::choose("Select a Parallel Framework:", parallelizer_display_names()));
 }
 
 std::uint64_t ask_task_decomposition() {

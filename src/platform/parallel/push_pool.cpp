@@ -11,7 +11,9 @@
 namespace qmp {
 namespace {
 
-std::uint64_t segment_of(std::uint64_t number) { return static_cast<std::uint64_t>(std::bit_width(number + 1)) - 1; }
+std::uint64_t segment_of(std::uint64_t number) {
+    return static_cast<std::uint64_t>(std::bit_width(number + 1)) - 1;
+}
 
 std::uint64_t place_in_segment(std::uint64_t number) {
     return number + 1 - (std::uint64_t{1} << segment_of(number));
@@ -76,7 +78,8 @@ bool PushPool::add_worker() {
     const std::uint64_t old_mask = mask_.load(std::memory_order_relaxed);
     PushPoolWorker*& segment = segments_[segment_of(number)];
     try {
-        if (!segment) segment = std::allocator<PushPoolWorker>().allocate(std::size_t{1} << segment_of(number));
+        if (!segment)
+            segment = std::allocator<PushPoolWorker>().allocate(std::size_t{1} << segment_of(number));
         ::new (segment + place_in_segment(number)) PushPoolWorker(number, hook_);
     } catch (const std::system_error&) {
         return false;

@@ -15,7 +15,7 @@
 namespace qmp {
 
 class PushPool {
- public:
+  public:
     explicit PushPool(bool randomize_searches, ThreadStartHook hook = {});
     // No task may be running. Stops and joins the workers.
     ~PushPool();
@@ -38,7 +38,7 @@ class PushPool {
     // the same moment then do not meet at the same slots.
     std::atomic<bool> randomize;
 
- private:
+  private:
     PushPoolWorker& worker(std::uint64_t number) const;
     // Holding the lock. False when the system grants no thread.
     bool add_worker();

@@ -15,7 +15,8 @@
 namespace qmp {
 
 PushPoolParallelizer::PushPoolParallelizer()
-    : creator_group_(os::thread_group_affinity().value_or(os::GroupAffinity{}).group), pool_(new_pool(true)) {}
+    : creator_group_(os::thread_group_affinity().value_or(os::GroupAffinity{}).group),
+      pool_(new_pool(true)) {}
 
 std::unique_ptr<PushPool> PushPoolParallelizer::new_pool(bool randomize_searches) const {
     // The workers go round the processor groups, the first to the group after the creator's.

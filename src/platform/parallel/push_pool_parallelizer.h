@@ -13,7 +13,7 @@
 namespace qmp {
 
 class PushPoolParallelizer final : public BasicParallelizer {
- public:
+  public:
     static constexpr const char* type_name = "pushpool";
     static constexpr const char* display_name = "Push Pool";
     // Larger ranges are halved first, so that the cost of handing over is itself spread over threads.
@@ -43,10 +43,10 @@ class PushPoolParallelizer final : public BasicParallelizer {
     // Threads that the pool holds at the moment.
     std::uint64_t workers() const { return pool_->count(); }
 
- protected:
+  protected:
     std::string summary_remark() const override;
 
- private:
+  private:
     std::unique_ptr<PushPool> new_pool(bool randomize_searches) const;
     void hand_over(TaskLatch& latch, std::uint64_t index);
 

@@ -21,7 +21,7 @@ using ThreadStartHook = std::function<void(std::uint64_t)>;
 
 // On cache lines of its own: its slot is polled by every thread that hands over a task.
 class alignas(64) PushPoolWorker {
- public:
+  public:
     // Starts the thread; the hook must outlive the worker. Throws std::system_error when the system grants
     // no thread.
     PushPoolWorker(std::uint64_t number, const ThreadStartHook& hook);
@@ -33,7 +33,7 @@ class alignas(64) PushPoolWorker {
     // Hands the latch over and returns true, or returns false when the worker is busy. Any thread.
     bool try_accept(TaskLatch& latch, std::uint64_t index);
 
- private:
+  private:
     void thread_main(std::uint64_t number, const ThreadStartHook& hook);
     void run_tasks();
     void run_task(TaskLatch& latch);

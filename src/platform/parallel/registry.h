@@ -9,17 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/component_registry.h"
 #include "platform/parallel/basic_parallelizer.h"
 
 namespace qmp {
 
-class ParallelizerFactory {
- public:
-    virtual ~ParallelizerFactory() = default;
-    virtual const char* get_display_name() const = 0;
-    // A framework with default fields.
-    virtual std::unique_ptr<BasicParallelizer> create() const = 0;
-};
+using ParallelizerFactory = ComponentFactory<BasicParallelizer>;
 
 // Appends to the menu. A key registered twice prints "Duplicate Framework Type" and ends the program with
 // exit code 1. Before main only.

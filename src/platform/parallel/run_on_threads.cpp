@@ -18,7 +18,7 @@ void run_guarded(BasicAction& action, std::uint64_t index) {
 
 // Joins whatever was started, also when the next thread could not be.
 class JoiningThreads {
- public:
+  public:
     explicit JoiningThreads(std::uint64_t count) { threads_.reserve(count); }
     ~JoiningThreads() {
         for (std::thread& thread : threads_) thread.join();
@@ -26,9 +26,11 @@ class JoiningThreads {
     JoiningThreads(const JoiningThreads&) = delete;
     JoiningThreads& operator=(const JoiningThreads&) = delete;
 
-    void start(BasicAction& action, std::uint64_t index) { threads_.emplace_back(run_guarded, std::ref(action), index); }
+    void start(BasicAction& action, std::uint64_t index) {
+        threads_.emplace_back(run_guarded, std::ref(action), index);
+    }
 
- private:
+  private:
     std::vector<std::thread> threads_;
 };
 

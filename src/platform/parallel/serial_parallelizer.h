@@ -6,7 +6,7 @@
 namespace qmp {
 
 class SerialParallelizer final : public BasicParallelizer {
- public:
+  public:
     static constexpr const char* type_name = "none";
     static constexpr const char* display_name = "None (No Multi-threading)";
 

@@ -14,7 +14,7 @@
 namespace qmp {
 
 class TaskLatch final : public BasicAction {
- public:
+  public:
     explicit TaskLatch(BasicAction& action) : action_(action) {}
     ~TaskLatch() override { wait(); }
     TaskLatch(const TaskLatch&) = delete;
@@ -28,7 +28,7 @@ class TaskLatch final : public BasicAction {
     void set_handed_over() { handed_over_ = true; }
     void wait();
 
- private:
+  private:
     void signal();
 
     std::mutex lock_;

@@ -33,9 +33,9 @@ bool claimed(int descriptor, int operation) {
     return flock(descriptor, operation | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-bool is_directory(int descriptor) {
+mode_t kind_of(int descriptor) {
     struct stat status;
-    return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+    return fstat(descriptor, &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 // Opens, and claims; closes again and reports the error where that fails.
@@ -43,11 +43,13 @@ ErrorCode open_claimed(const std::string& path, int flags, int operation, std::i
     const int descriptor = open_retrying(path, flags);
     if (descriptor < 0) return code_of_errno(errno);
     ErrorCode error = no_error;
-    if (is_directory(descriptor)) {
+    // Only a file in the narrow sense can be emptied; a device is written as it is.
+    const mode_t kind = kind_of(descriptor);
+    if (kind == S_IFDIR) {
         error = access_denied;
     } else if (!claimed(descriptor, operation)) {
         error = sharing_violation;
-    } else if ((flags & O_CREAT) != 0 && ftruncate(descriptor, 0) != 0) {
+    } else if ((flags & O_CREAT) != 0 && kind == S_IFREG && ftruncate(descriptor, 0) != 0) {
         error = code_of_errno(errno, write_fault);
     }
     if (error != no_error) {

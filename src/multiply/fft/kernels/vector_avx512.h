@@ -1,0 +1,139 @@
+// Eight lanes of doubles (AVX-512 F, DQ, BW and VL).
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+#include "multiply/fft/kernels/inline.h"
+
+namespace {
+
+// Which 16-bit units, and which bits of them, hold the even or the odd points of a group of 16.
+template <int Width, int Parity>
+struct FieldPickAvx512 {
+    alignas(64) std::uint16_t units[32];
+    alignas(64) std::uint64_t shifts[8];
+
+    constexpr FieldPickAvx512() : units(), shifts() {
+        for (int lane = 0; lane < 8; ++lane) {
+            const int position = (2 * lane + Parity) * Width;
+            shifts[lane] = static_cast<std::uint64_t>(position % 16);
+            for (int i = 0; i < 4; ++i) units[4 * lane + i] = static_cast<std::uint16_t>(position / 16 + i);
+        }
+    }
+};
+
+template <int Width, int Parity>
+constexpr FieldPickAvx512<Width, Parity> field_pick_avx512{};
+
+alignas(64) constexpr std::int64_t reversed_lanes_avx512[8] = {7, 6, 5, 4, 3, 2, 1, 0};
+alignas(64) constexpr std::int64_t reversed_ranges_avx512[8] = {0, 1, 3, 2, 7, 6, 5, 4};
+
+struct VectorAvx512 {
+    static constexpr int lanes = 8;
+    using Real = __m512d;
+    using Bits = __m512i;
+
+    static FFT_INLINE Real load(const double* p) { return _mm512_loadu_pd(p); }
+    static FFT_INLINE void store(double* p, Real x) { _mm512_storeu_pd(p, x); }
+    static FFT_INLINE Real set(double x) { return _mm512_set1_pd(x); }
+    static FFT_INLINE Real add(Real a, Real b) { return _mm512_add_pd(a, b); }
+    static FFT_INLINE Real sub(Real a, Real b) { return _mm512_sub_pd(a, b); }
+    static FFT_INLINE Real mul(Real a, Real b) { return _mm512_mul_pd(a, b); }
+    // a * b + c, a * b - c, c - a * b
+    static FFT_INLINE Real mul_add(Real a, Real b, Real c) { return _mm512_fmadd_pd(a, b, c); }
+    static FFT_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
+    static FFT_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm512_fnmadd_pd(a, b, c); }
+
+    // Lane order reversed.
+    static FFT_INLINE Real reverse(Real x) {
+        return _mm512_permutexvar_pd(_mm512_load_si512(reversed_lanes_avx512), x);
+    }
+    // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
+    static FFT_INLINE Real reverse_ranges(Real x) {
+        return _mm512_permutexvar_pd(_mm512_load_si512(reversed_ranges_avx512), x);
+    }
+    // Lane 0 of b, the other lanes of a.
+    static FFT_INLINE Real replace_first(Real a, Real b) { return _mm512_mask_blend_pd(1, a, b); }
+    static FFT_INLINE void transpose(Real (&x)[8]) {
+        const Real a0 = _mm512_unpacklo_pd(x[0], x[1]), a1 = _mm512_unpackhi_pd(x[0], x[1]);
+        const Real a2 = _mm512_unpacklo_pd(x[2], x[3]), a3 = _mm512_unpackhi_pd(x[2], x[3]);
+        const Real a4 = _mm512_unpacklo_pd(x[4], x[5]), a5 = _mm512_unpackhi_pd(x[4], x[5]);
+        const Real a6 = _mm512_unpacklo_pd(x[6], x[7]), a7 = _mm512_unpackhi_pd(x[6], x[7]);
+        transpose_pairs(a0, a2, a4, a6, x[0], x[2], x[4], x[6]);
+        transpose_pairs(a1, a3, a5, a7, x[1], x[3], x[5], x[7]);
+    }
+
+    // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
+    // sines) that lie 16 doubles apart.
+    static FFT_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
+        const Real ab = _mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_loadu_pd(group)),
+                                           _mm256_loadu_pd(group + 16), 1);
+        const Real cd = _mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_loadu_pd(group + 32)),
+                                           _mm256_loadu_pd(group + 48), 1);
+        cosine = _mm512_shuffle_f64x2(ab, cd, 0x88);
+        sine = _mm512_shuffle_f64x2(ab, cd, 0xdd);
+    }
+    // Two neighbouring groups at once.
+    static FFT_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+        transpose_pairs(load(groups), load(groups + 16), load(groups + 32), load(groups + 48), c0, s0, c1,
+                        s1);
+    }
+
+    static FFT_INLINE Bits bits(Real x) { return _mm512_castpd_si512(x); }
+    static FFT_INLINE Bits set_bits(std::uint64_t x) { return _mm512_set1_epi64(static_cast<long long>(x)); }
+    static FFT_INLINE Bits add(Bits a, Bits b) { return _mm512_add_epi64(a, b); }
+    static FFT_INLINE Bits bit_and(Bits a, Bits b) { return _mm512_and_si512(a, b); }
+    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return _mm512_or_si512(a, b); }
+    template <int Count>
+    static FFT_INLINE Bits shift_left(Bits a) {
+        return _mm512_slli_epi64(a, Count);
+    }
+    template <int Count>
+    static FFT_INLINE Bits shift_right(Bits a) {
+        return _mm512_srli_epi64(a, Count);
+    }
+    static FFT_INLINE void store(std::uint64_t* p, Bits x) { _mm512_storeu_si512(p, x); }
+    static FFT_INLINE Bits load(const std::uint64_t* p) { return _mm512_loadu_si512(p); }
+    static FFT_INLINE void transpose(Bits (&x)[8]) {
+        Real y[8];
+        for (int i = 0; i < 8; ++i) y[i] = _mm512_castsi512_pd(x[i]);
+        transpose(y);
+        for (int i = 0; i < 8; ++i) x[i] = _mm512_castpd_si512(y[i]);
+    }
+
+    // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
+    // ones, as doubles less 2^(Width - 1).
+    template <int Width, int First>
+    static FFT_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
+        const Bits raw = _mm512_loadu_si512(source);
+        even = fields<Width, 0>(raw);
+        odd = fields<Width, 1>(raw);
+    }
+
+  private:
+    // Rows of four 128-bit pieces become columns.
+    static FFT_INLINE void transpose_pairs(Real a, Real b, Real c, Real d, Real& x, Real& y, Real& z,
+                                           Real& w) {
+        const Real ab_low = _mm512_shuffle_f64x2(a, b, 0x44), ab_high = _mm512_shuffle_f64x2(a, b, 0xee);
+        const Real cd_low = _mm512_shuffle_f64x2(c, d, 0x44), cd_high = _mm512_shuffle_f64x2(c, d, 0xee);
+        x = _mm512_shuffle_f64x2(ab_low, cd_low, 0x88);
+        y = _mm512_shuffle_f64x2(ab_low, cd_low, 0xdd);
+        z = _mm512_shuffle_f64x2(ab_high, cd_high, 0x88);
+        w = _mm512_shuffle_f64x2(ab_high, cd_high, 0xdd);
+    }
+
+    template <int Width, int Parity>
+    static FFT_INLINE Real fields(Bits raw) {
+        const auto& pick = field_pick_avx512<Width, Parity>;
+        const Bits chosen = _mm512_permutexvar_epi16(_mm512_load_si512(pick.units), raw);
+        const Bits shifted = _mm512_srlv_epi64(chosen, _mm512_load_si512(pick.shifts));
+        // (shifted and mask) or the exponent of 2^52
+        const Bits value = _mm512_ternarylogic_epi64(shifted, set_bits((std::uint64_t{1} << Width) - 1),
+                                                     set_bits(0x4330000000000000), 0xea);
+        return sub(_mm512_castsi512_pd(value), set(0x1p52 + static_cast<double>(1 << (Width - 1))));
+    }
+};
+
+}  // namespace

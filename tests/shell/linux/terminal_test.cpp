@@ -1,0 +1,336 @@
+// Real processes on a pseudo-terminal: colours, prompts, pauses, labels, the end of input, crashes.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/pseudo_terminal.h"
+
+namespace kelvara {
+namespace {
+
+using kelvara_test::PseudoTerminal;
+using kelvara_test::shown_lines;
+
+// The driver with these arguments. Warnings are skipped: which ones there are depends on the machine.
+std::vector<std::string> driver(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {KELVARA_SHELL_DRIVER, "skip-warnings"});
+    return arguments;
+}
+
+// Answers the question for the cursor that a program asks whose terminal was opened for it.
+void report_cursor(PseudoTerminal& terminal, int row, int column) {
+    ASSERT_TRUE(terminal.wait_for("\x1b[6n"));
+    terminal.type("\x1b[" + std::to_string(row) + ";" + std::to_string(column) + "R");
+}
+
+std::uint64_t times(const std::string& text, const std::string& part) {
+    std::uint64_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
+bool shows(const std::string& output, const std::string& line) {
+    const std::vector<std::string> lines = shown_lines(output);
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+TEST(Terminal, ShowsColours) {
+    PseudoTerminal terminal(driver({"echo:in green"}));
+    report_cursor(terminal, 5, 1);
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_NE(terminal.output().find("\x1b[0;96m    x64, SSE,"), std::string::npos) << terminal.output();
+    EXPECT_NE(terminal.output().find("\x1b[0;92min green\r\n\x1b[0m\r\n"), std::string::npos)
+        << terminal.output();
+    EXPECT_TRUE(terminal.output().ends_with("\x1b[0m\r\n"));
+}
+
+TEST(Terminal, Colors0ChangesNoColour) {
+    PseudoTerminal terminal(driver({"colors:0", "echo:plain", "steps", "throw"}));
+    report_cursor(terminal, 5, 1);
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_TRUE(shows(terminal.output(), "plain"));
+    EXPECT_EQ(times(terminal.output(), "\x1b["), 1u) << terminal.output();  // the question for the cursor
+}
+
+TEST(Terminal, PausesInAFreshConsoleOnly) {
+    {
+        PseudoTerminal fresh(driver({"state"}));
+        report_cursor(fresh, 1, 1);
+        EXPECT_TRUE(fresh.wait_for("\x1b[8;25;80t"));
+        EXPECT_TRUE(fresh.wait_for("Press any key to continue . . . "));
+        fresh.type("x");
+        EXPECT_EQ(fresh.wait_for_end(), 0);
+        EXPECT_TRUE(shows(fresh.output(), "fresh: 1"));
+    }
+    {
+        PseudoTerminal used(driver({"state"}));
+        report_cursor(used, 1, 2);
+        EXPECT_EQ(used.wait_for_end(), 0);
+        EXPECT_TRUE(shows(used.output(), "fresh: 0"));
+        EXPECT_EQ(used.output().find("Press any key"), std::string::npos);
+        EXPECT_EQ(used.output().find("\x1b[8;"), std::string::npos);
+    }
+}
+
+TEST(Terminal, DoesNotWaitForASilentTerminal) {
+    PseudoTerminal terminal(driver({"state"}));
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_TRUE(shows(terminal.output(), "fresh: 0"));
+}
+
+TEST(Terminal, PauseFlags) {
+    {
+        PseudoTerminal never(driver({"pause:-1", "state"}));
+        report_cursor(never, 1, 1);
+        EXPECT_EQ(never.wait_for_end(), 0);
+        EXPECT_TRUE(shows(never.output(), "fresh: 1"));
+        EXPECT_EQ(never.output().find("Press any key"), std::string::npos);
+    }
+    {
+        PseudoTerminal always(driver({"pause:1", "state"}));
+        report_cursor(always, 9, 9);
+        EXPECT_TRUE(always.wait_for("Press any key to continue . . . "));
+        always.type("\x1b[A");
+        EXPECT_EQ(always.wait_for_end(), 0);
+        EXPECT_TRUE(shows(always.output(), "fresh: 0"));
+    }
+}
+
+TEST(Terminal, HeightAsksForThatManyRows) {
+    PseudoTerminal terminal(driver({"height:50", "state"}));
+    report_cursor(terminal, 9, 9);
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_NE(terminal.output().find("\x1b[8;50;80t"), std::string::npos);
+}
+
+TEST(Terminal, KeepsWhatWasTypedBeforeTheFirstPrompt) {
+    PseudoTerminal terminal(driver({"number", "line"}));
+    ASSERT_TRUE(terminal.wait_for("\x1b[6n"));
+    terminal.type("7\n\x1b[3;1RAda\n");
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_TRUE(terminal.output().find("answer: 7") != std::string::npos) << terminal.output();
+    EXPECT_TRUE(terminal.output().find("[Ada]") != std::string::npos) << terminal.output();
+}
+
+TEST(Terminal, AsksAgainAfterGarbage) {
+    PseudoTerminal terminal(driver({"number"}));
+    report_cursor(terminal, 9, 9);
+    for (const std::string answer :
+         {"letters", "", "-3", "0", "99999999999999999999999999", "\u20ac", "10"}) {
+        ASSERT_TRUE(terminal.wait_for("option: "));
+        terminal.type(answer + "\n");
+    }
+    ASSERT_TRUE(terminal.wait_for("option: "));
+    terminal.type("7 of 9\n");
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_TRUE(shows(terminal.output(), "answer: 7"));
+    // The answer is typed in teal, and white returns.
+    EXPECT_NE(terminal.output().find("option: \x1b[0;96m"), std::string::npos);
+    EXPECT_NE(terminal.output().find("7 of 9\r\n\x1b[0m"), std::string::npos);
+}
+
+TEST(Terminal, ReadsOneLongLineWhole) {
+    PseudoTerminal terminal(driver({"line"}));
+    report_cursor(terminal, 9, 9);
+    ASSERT_TRUE(terminal.wait_for("name: "));
+    std::string name;
+    while (name.size() < 2000) name += "\u20ac\U0001f600";
+    terminal.type(name + "\n");
+    ASSERT_TRUE(terminal.wait_for("\r\n"));
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_NE(terminal.output().find("[" + name + "]"), std::string::npos);
+}
+
+TEST(Terminal, TheEndOfInputEndsTheProgram) {
+    PseudoTerminal terminal(driver({"pause:1", "number"}));
+    report_cursor(terminal, 9, 9);
+    ASSERT_TRUE(terminal.wait_for("option: "));
+    terminal.type("\x04");
+    EXPECT_EQ(terminal.wait_for_end(), 1);
+    EXPECT_EQ(times(terminal.output(), "option: "), 1u);
+    EXPECT_TRUE(shows(terminal.output(), "There is no more input: the program ends here."));
+}
+
+TEST(Terminal, AClosedWindowEndsTheProgram) {
+    PseudoTerminal terminal(driver({"number"}));
+    report_cursor(terminal, 9, 9);
+    ASSERT_TRUE(terminal.wait_for("option: "));
+    terminal.hang_up();
+    EXPECT_EQ(terminal.wait_for_end(), -SIGHUP);
+}
+
+TEST(Terminal, AnInterruptEndsAPause) {
+    PseudoTerminal terminal(driver({"pause:1", "state"}));
+    report_cursor(terminal, 9, 9);
+    ASSERT_TRUE(terminal.wait_for("Press any key to continue . . . "));
+    usleep(100'000);
+    terminal.type("\x03");
+    EXPECT_EQ(terminal.wait_for_end(), -SIGINT);
+}
+
+TEST(Terminal, PrintsEscapedExceptionsAndEndsNormally) {
+    PseudoTerminal own(driver({"throw", "echo:not reached"}));
+    report_cursor(own, 9, 9);
+    EXPECT_EQ(own.wait_for_end(), 0);
+    EXPECT_NE(own.output().find("An exception of the program's own."), std::string::npos);
+    EXPECT_EQ(own.output().find("not reached"), std::string::npos);
+    EXPECT_TRUE(own.output().ends_with("\x1b[0m\r\n"));
+
+    PseudoTerminal standard(driver({"throw-standard"}));
+    report_cursor(standard, 9, 9);
+    EXPECT_EQ(standard.wait_for_end(), 0);
+    EXPECT_NE(standard.output().find("Uncaught std exception: \x1b[0;91mAn exception of the library.\x1b[0m"),
+              std::string::npos)
+        << standard.output();
+}
+
+TEST(Terminal, FatalErrorsPauseAndEndWithOne) {
+    PseudoTerminal terminal(driver({"unknown:1"}));
+    report_cursor(terminal, 9, 9);
+    EXPECT_TRUE(terminal.wait_for("\x1b[0;91mInvalid Parameter: unknown\r\n"));
+    EXPECT_TRUE(terminal.wait_for("Press any key to continue . . . "));
+    terminal.type(" ");
+    EXPECT_EQ(terminal.wait_for_end(), 1);
+}
+
+TEST(Terminal, ChecksItself) {
+    PseudoTerminal terminal(driver({"state"}));
+    report_cursor(terminal, 9, 9);
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    EXPECT_TRUE(shows(terminal.output(), "integrity: Intact"));
+    EXPECT_TRUE(shows(terminal.output(), "skip warnings: 1"));
+}
+
+TEST(Terminal, RewritesTheLabelInsideTheWindow) {
+    for (const int columns : {40, 80, 300}) {
+        PseudoTerminal terminal(driver({"steps"}), columns);
+        report_cursor(terminal, 9, 9);
+        EXPECT_EQ(terminal.wait_for_end(), 0);
+        EXPECT_TRUE(shows(terminal.output(), "Summing Series...  Summing: 4,061 terms"));
+        EXPECT_TRUE(shows(terminal.output(), "A part was done again."));
+        EXPECT_NE(terminal.output().find("\x1b[0m"
+                                         "Time:    \x1b[0;96m"),
+                  std::string::npos);
+
+        // Column by column, the cursor never reaches the last one in the lines of the step.
+        const std::string& output = terminal.output();
+        int column = 0;
+        for (std::size_t i = output.find("Summing Series"); i < output.find("Time:"); ++i) {
+            if (output[i] == '\x1b') {
+                i = output.find('m', i);
+            } else if (output[i] == '\r' || output[i] == '\n') {
+                column = 0;
+            } else {
+                column += output[i] == '\b' ? -1 : 1;
+            }
+            ASSERT_GE(column, 0);
+            ASSERT_LT(column, columns) << output.substr(0, i);
+        }
+        // Behind title and notes there is room in the wider windows only; behind the message in all.
+        const std::string label = "\x1b[0;92mSeries: 1 / 3\x1b[0;93m -> 512";
+        const std::size_t message = output.find("A part was done again.");
+        EXPECT_EQ(output.substr(0, message).find(label) != std::string::npos, columns > 60) << output;
+        EXPECT_NE(output.find(label, message), std::string::npos) << output;
+    }
+}
+
+class CrashTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        folder_ = std::filesystem::temp_directory_path() / ("kelvara-crash-" + std::to_string(getpid()));
+        std::filesystem::create_directory(folder_);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
+
+    // The driver in a folder of its own, where its dump goes.
+    std::vector<std::string> driver_in_folder(const std::string& action) const {
+        return {
+            "/bin/sh", "-c",
+            "cd '" + folder_.string() + "' && exec '" + KELVARA_SHELL_DRIVER + "' skip-warnings " + action};
+    }
+
+    // The content of the only file in the folder, whose name is that of a dump.
+    std::string dump() const {
+        std::string content;
+        int files = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+            std::string name = entry.path().filename().string();
+            std::replace_if(
+                name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+            EXPECT_EQ(name, "Kelvara-00000000-000000.dmp");
+            std::ifstream file(entry.path());
+            content.assign(std::istreambuf_iterator<char>(file), {});
+            ++files;
+        }
+        EXPECT_EQ(files, 1);
+        return content;
+    }
+
+    void expect_crash(const std::string& action, int signal) {
+        PseudoTerminal terminal(driver_in_folder(action));
+        report_cursor(terminal, 9, 9);
+        EXPECT_TRUE(terminal.wait_for("Creating mini-dump file...  Done!\r\n"));
+        EXPECT_TRUE(terminal.wait_for("The program will now exit."));
+        EXPECT_TRUE(terminal.wait_for("Press any key to continue . . . "));
+        terminal.type("x");
+        EXPECT_EQ(terminal.wait_for_end(), -signal) << terminal.output();
+        EXPECT_NE(terminal.output().find("\x1b[0;91m\r\nOops... Kelvara has crashed."), std::string::npos)
+            << terminal.output();
+    }
+
+    std::filesystem::path folder_;
+};
+
+// A sanitizer brings handlers, stacks and reports of its own.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KELVARA_SKIP_UNDER_SANITIZER() GTEST_SKIP() << "a sanitizer reports crashes itself"
+#else
+#define KELVARA_SKIP_UNDER_SANITIZER() static_cast<void>(0)
+#endif
+
+TEST_F(CrashTest, WritesADumpOfABadAccess) {
+    KELVARA_SKIP_UNDER_SANITIZER();
+    expect_crash("crash", SIGSEGV);
+    const std::string text = dump();
+    EXPECT_NE(text.find("Signal: SIGSEGV (11)\n"), std::string::npos);
+    EXPECT_NE(text.find("Address: 0x0000000000000010\n"), std::string::npos);
+    EXPECT_NE(text.find("\nRegisters:\n  rip 0x"), std::string::npos);
+    EXPECT_NE(text.find("\nCall stack, innermost first:\n"), std::string::npos);
+    EXPECT_NE(text.find("shell_driver"), std::string::npos);
+    EXPECT_NE(text.find("[stack]"), std::string::npos);
+}
+
+TEST_F(CrashTest, WritesADumpWhenTheStackRunsOut) {
+    KELVARA_SKIP_UNDER_SANITIZER();
+    expect_crash("overflow", SIGSEGV);
+    EXPECT_NE(dump().find("Signal: SIGSEGV (11)\n"), std::string::npos);
+}
+
+TEST_F(CrashTest, WritesADumpOfAnAbort) {
+    KELVARA_SKIP_UNDER_SANITIZER();
+    expect_crash("abort", SIGABRT);
+    EXPECT_NE(dump().find("Signal: SIGABRT (6)\n"), std::string::npos);
+}
+
+TEST_F(CrashTest, SaysWhenItCannotWriteTheDump) {
+    KELVARA_SKIP_UNDER_SANITIZER();
+    // A folder that is gone takes no file, whoever asks.
+    std::vector<std::string> command = driver_in_folder("crash");
+    command[2].replace(command[2].find("&& exec"), 2, "&& rmdir '" + folder_.string() + "' &&");
+    PseudoTerminal terminal(command);
+    report_cursor(terminal, 9, 9);
+    EXPECT_TRUE(terminal.wait_for("Unable to create dump file: No such file or directory\r\n"));
+    EXPECT_TRUE(terminal.wait_for("Press any key to continue . . . "));
+    terminal.type("x");
+    EXPECT_EQ(terminal.wait_for_end(), -SIGSEGV);
+}
+
+}  // namespace
+}  // namespace kelvara
