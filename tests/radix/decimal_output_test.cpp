@@ -10,10 +10,6 @@
 #include "radix/thread_per_task.h"
 #include "support/fatal.h"
 
-#ifdef KELVARA_HAVE_GMP
-#include <gmp.h>
-#endif
-
 namespace qmp {
 namespace {
 
@@ -268,60 +264,6 @@ TEST(DecimalOutputDeathTest, NumbersOutOfRange) {
     EXPECT_FATAL(write({words, 2, 0, 1}), "Number is out of range\\.");
     EXPECT_FATAL(write({words, 1, 0, 0}), "Number is out of range\\.");
 }
-#endif
-
-#ifdef KELVARA_HAVE_GMP
-// sqrt(2) against digits, hashes and counts that two independent libraries agree on.
-struct Golden {
-    std::uint64_t digits;
-    std::uint64_t hash;
-    const char* last;
-    std::array<std::uint64_t, 16> counts;
-};
-
-class SquareRootOfTwo : public testing::TestWithParam<Golden> {};
-
-Number square_root_of_two(std::uint64_t words) {
-    mpz_t root;
-    mpz_init_set_ui(root, 2);
-    mpz_mul_2exp(root, root, 128 * words);
-    mpz_sqrt(root, root);
-    std::vector<Word> all(words + 1, 0);
-    mpz_export(all.data(), nullptr, -1, 8, 0, 0, root);
-    mpz_clear(root);
-    const Word integer = all.back();
-    all.pop_back();
-    return Number(all, integer);
-}
-
-TEST_P(SquareRootOfTwo, DecimalDigits) {
-    const Golden& golden = GetParam();
-    const Output output = decimal(square_root_of_two(golden.digits / 19 + 10).view(), golden.digits);
-    EXPECT_EQ(output.digits.hash, golden.hash);
-    EXPECT_EQ(output.digits.counts, golden.counts);
-    const std::string& last = output.digits.last_digits;
-    EXPECT_EQ(last.substr(last.size() - 50), golden.last);
-    expect_consistent(output, golden.digits, 10);
-}
-
-INSTANTIATE_TEST_SUITE_P(Published, SquareRootOfTwo,
-                         testing::Values(Golden{100,
-                                                890894146615242185,
-                                                "80731766797379907324784621070388503875343276415727",
-                                                {10, 7, 8, 11, 9, 7, 10, 18, 12, 8}},
-                                         Golden{1000,
-                                                2205338105395037691,
-                                                "71111683916581726889419758716582152128229518488472",
-                                                {108, 98, 109, 82, 100, 104, 90, 104, 113, 92}},
-                                         Golden{10000,
-                                                2169649888804222622,
-                                                "15379048778808300220583350467465553230285873258351",
-                                                {952, 1005, 1004, 980, 1016, 1001, 1032, 964, 1027, 1019}},
-                                         Golden{100000,
-                                                506082992513455913,
-                                                "24937068864601669535559159840183770081805610147523",
-                                                {9959, 10106, 9876, 10058, 10100, 10002, 9939, 10008, 10007,
-                                                 9945}}));
 #endif
 
 }  // namespace
