@@ -5,17 +5,18 @@
 #include "console/format.h"
 #include "multiply/multiply.h"
 #include "numbers/division_driver.h"
+#include "numbers/newton.h"
 #include "series/bsr_engine.h"
 #include "series/bsr_verify.h"
 #include "series/series_e_taylor.h"
 #include "series/sum_series.h"
+#include "series/timed_step.h"
 
 namespace kelvara {
 
 using qmp::BigFloatView;
 using qmp::CheckedWords;
 using qmp::ExactFloat;
-using qmp::ScopedLabel;
 using qmp::Series_e_Taylor;
 using qmp::Word;
 
@@ -61,7 +62,7 @@ qmp::OwnedBigFloat ETaylor::compute(const qmp::ComputeContext& context) const {
     const Series_e_Taylor& taylor = series(negative_);
     const std::uint64_t p = precision_;
     const std::uint64_t terms = taylor.TermsForPrecision(p);
-    context.progress->begin_step("Summing Series...  ", "Summing Series");
+    qmp::TimedStep step(context.progress, "Summing Series...  ", "Summing Series");
     context.progress->note("Summing: " + qmp::console::format_separated(terms) + " terms", 'G');
 
     qmp::OwnedBigFloat quotient;
@@ -78,7 +79,7 @@ qmp::OwnedBigFloat ETaylor::compute(const qmp::ComputeContext& context) const {
                        context.parallel);
         scratch.reset();
         T.reset();
-        context.progress->end_step();
+        step.end();
 
         // The series starts at the index 2: e = 2 + P/Q, or 1/e = P/Q, where the first two terms cancel.
         if (negative_) {

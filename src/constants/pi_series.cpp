@@ -6,6 +6,7 @@
 #include "numbers/division_driver.h"
 #include "series/series_sizes.h"
 #include "series/sum_series.h"
+#include "series/timed_step.h"
 #include "series/transform_pair.h"
 
 namespace kelvara {
@@ -92,16 +93,13 @@ OwnedBigFloat PiSeries::compute(const ComputeContext& context) const {
     pi = relocate(context, std::move(pi));
     const OwnedBigFloat root = inverse_square_root(context, formula_.r, p);
 
-    context.progress->begin_step("Final Multiply...", "Final Multiply");
-    {
-        ScopedLabel label(context.progress, "Multiplying: ", 'P');
-        if (formula_.reduced) {
-            multiply_halved(context, pi.number, root.number, p);
-        } else {
-            multiply_transformed(context, pi.number, root.number, p);
-        }
+    const qmp::TimedStep step(context.progress, "Final Multiply...", "Final Multiply");
+    const ScopedLabel label(context.progress, "Multiplying: ", 'w');
+    if (formula_.reduced) {
+        multiply_halved(context, pi.number, root.number, p);
+    } else {
+        multiply_transformed(context, pi.number, root.number, p);
     }
-    context.progress->end_step();
     return pi;
 }
 

@@ -88,25 +88,9 @@ typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
     return out;
 }
 
-}  // namespace
-
-PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
-    exact[0] = context.allocate(2 * sizes.exact_words);
-    running[1] = context.allocate(sizes.running_words);
-    running[0] = context.allocate(sizes.running_words);
-    exact[1] = context.allocate(2 * sizes.exact_words);
-    scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
-}
-
-void PsrMemory::release_temporaries() {
-    scratch.reset();
-    exact[1].reset();
-    running[0].reset();
-}
-
 template <typename Series>
-void B_PSR(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
-           std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+void evaluate(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
+              std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
     P = BigFloat(memory.running[0].data(), memory.running[0].words());
     Q = BigFloat(memory.running[1].data(), memory.running[1].words());
     const std::uint64_t total = plan.blocks.size() - first;
@@ -147,9 +131,30 @@ void B_PSR(const Series& series, const MultiplyContext& context, Progress* progr
     }
 }
 
-template void B_PSR(const BSS_P2B2_BBP&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
-                    PsrMemory&, BigFloat&, BigFloat&);
-template void B_PSR(const BSS_P2B3_Type0&, const MultiplyContext&, Progress*, const PsrPlan&, std::uint64_t,
-                    PsrMemory&, BigFloat&, BigFloat&);
+}  // namespace
+
+PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
+    exact[0] = context.allocate(2 * sizes.exact_words);
+    running[1] = context.allocate(sizes.running_words);
+    running[0] = context.allocate(sizes.running_words);
+    exact[1] = context.allocate(2 * sizes.exact_words);
+    scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
+}
+
+void PsrMemory::release_temporaries() {
+    scratch.reset();
+    exact[1].reset();
+    running[0].reset();
+}
+
+void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    evaluate(series, context, progress, plan, first, memory, P, Q);
+}
+
+void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    evaluate(series, context, progress, plan, first, memory, P, Q);
+}
 
 }  // namespace qmp

@@ -31,13 +31,9 @@ struct PsrMemory {
 // `first` unless it is the only one.
 // BufferTooSmallException in the family's name when a block's temporaries do not fit, and what the merges
 // and checks of its blocks throw.
-template <typename Series>
-void B_PSR(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
-           std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
-
-extern template void B_PSR(const BSS_P2B2_BBP&, const MultiplyContext&, Progress*, const PsrPlan&,
-                           std::uint64_t, PsrMemory&, BigFloat&, BigFloat&);
-extern template void B_PSR(const BSS_P2B3_Type0&, const MultiplyContext&, Progress*, const PsrPlan&,
-                           std::uint64_t, PsrMemory&, BigFloat&, BigFloat&);
+void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
+void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
 
 }  // namespace qmp

@@ -5,7 +5,9 @@
 #include "console/format.h"
 #include "multiply/multiply.h"
 #include "numbers/division_driver.h"
+#include "numbers/newton.h"
 #include "series/series_sizes.h"
+#include "series/timed_step.h"
 
 namespace qmp {
 
@@ -33,13 +35,11 @@ BigFloat combine(ParallelContext parallel, const PsrMemory& memory, BigFloatView
     return numerator;
 }
 
-}  // namespace
-
 template <typename Series>
-SeriesFraction sum_fraction(const Series& series, const ComputeContext& context, std::uint64_t p,
-                            double factor, Word w, Word d, bool subtract) {
+SeriesFraction sum(const Series& series, const ComputeContext& context, std::uint64_t p, double factor,
+                   Word w, Word d, bool subtract) {
     Progress* progress = context.progress;
-    progress->begin_step("Summing Series...  ", "Summing Series");
+    const TimedStep step(progress, "Summing Series...  ", "Summing Series");
     const PsrPlan plan = build_psr_plan(series, p, factor);
     progress->note("Summing: " + console::format_separated(plan.terms) + " terms", 'G');
 
@@ -56,17 +56,16 @@ SeriesFraction sum_fraction(const Series& series, const ComputeContext& context,
         Q.truncate_to(p + big_float_extra_precision);
     }
     memory.release_temporaries();
-    progress->end_step();
     return {std::move(memory), numerator, Q};
 }
 
 template <typename Series>
-OwnedBigFloat SumSeries(const Series& series, const ComputeContext& context, std::uint64_t p, Word w, Word d,
-                        std::int64_t scale) {
+OwnedBigFloat value_of(const Series& series, const ComputeContext& context, std::uint64_t p, Word w, Word d,
+                       std::int64_t scale) {
     OwnedBigFloat result;
     {
-        const SeriesFraction sum = sum_fraction(series, context, p, 1.0, w, d, series.alternating);
-        result = divide(context, sum.numerator, sum.denominator, p);
+        const SeriesFraction fraction = sum(series, context, p, 1.0, w, d, series.alternating);
+        result = divide(context, fraction.numerator, fraction.denominator, p);
     }
     result = relocate(context, std::move(result));
     BigFloat& value = result.number;
@@ -76,14 +75,27 @@ OwnedBigFloat SumSeries(const Series& series, const ComputeContext& context, std
     return result;
 }
 
-template SeriesFraction sum_fraction(const BSS_P2B2_BBP&, const ComputeContext&, std::uint64_t, double, Word,
-                                     Word, bool);
-template SeriesFraction sum_fraction(const BSS_P2B3_Type0&, const ComputeContext&, std::uint64_t, double,
-                                     Word, Word, bool);
-template OwnedBigFloat SumSeries(const BSS_P2B2_BBP&, const ComputeContext&, std::uint64_t, Word, Word,
-                                 std::int64_t);
-template OwnedBigFloat SumSeries(const BSS_P2B3_Type0&, const ComputeContext&, std::uint64_t, Word, Word,
-                                 std::int64_t);
+}  // namespace
+
+SeriesFraction sum_fraction(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p,
+                            double factor, Word w, Word d, bool subtract) {
+    return sum(series, context, p, factor, w, d, subtract);
+}
+
+SeriesFraction sum_fraction(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p,
+                            double factor, Word w, Word d, bool subtract) {
+    return sum(series, context, p, factor, w, d, subtract);
+}
+
+OwnedBigFloat SumSeries(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p, Word w,
+                        Word d, std::int64_t scale) {
+    return value_of(series, context, p, w, d, scale);
+}
+
+OwnedBigFloat SumSeries(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p, Word w,
+                        Word d, std::int64_t scale) {
+    return value_of(series, context, p, w, d, scale);
+}
 
 OwnedBigFloat relocate(const ComputeContext& context, OwnedBigFloat number) {
     OwnedBigFloat moved(context.region, number.number.AL);

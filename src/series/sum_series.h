@@ -21,23 +21,16 @@ struct SeriesFraction {
 
 // Sums a series to p words, as the step "Summing Series...": both parts are truncated to p + 2 words.
 // `factor` is the plan's. `subtract` tells that the terms behind index 0 are negative as a whole.
-template <typename Series>
-SeriesFraction sum_fraction(const Series& series, const ComputeContext& context, std::uint64_t p,
+SeriesFraction sum_fraction(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p,
+                            double factor, Word w, Word d, bool subtract);
+SeriesFraction sum_fraction(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p,
                             double factor, Word w, Word d, bool subtract);
 
 // The series' value to p words, times `scale`. In an alternating series the first summed term is negative.
-template <typename Series>
-OwnedBigFloat SumSeries(const Series& series, const ComputeContext& context, std::uint64_t p, Word w, Word d,
-                        std::int64_t scale);
-
-extern template SeriesFraction sum_fraction(const BSS_P2B2_BBP&, const ComputeContext&, std::uint64_t, double,
-                                            Word, Word, bool);
-extern template SeriesFraction sum_fraction(const BSS_P2B3_Type0&, const ComputeContext&, std::uint64_t,
-                                            double, Word, Word, bool);
-extern template OwnedBigFloat SumSeries(const BSS_P2B2_BBP&, const ComputeContext&, std::uint64_t, Word, Word,
-                                        std::int64_t);
-extern template OwnedBigFloat SumSeries(const BSS_P2B3_Type0&, const ComputeContext&, std::uint64_t, Word,
-                                        Word, std::int64_t);
+OwnedBigFloat SumSeries(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p, Word w,
+                        Word d, std::int64_t scale);
+OwnedBigFloat SumSeries(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p, Word w,
+                        Word d, std::int64_t scale);
 
 // Moves a number into a buffer of its own at the lowest free place of the region, so that what its
 // computation has released around it becomes one piece.
@@ -55,10 +48,5 @@ inline std::uint64_t estimated_division_words(std::uint64_t s) {
 }
 // The words beyond the working precision that the estimates are made for.
 constexpr std::uint64_t estimate_spare_words = 100;
-
-// Bound of the longest product of a division, or an inverse square root, to p words.
-inline std::uint64_t newton_largest_product(std::uint64_t p) {
-    return 2 * (p + 16);
-}
 
 }  // namespace qmp

@@ -1,0 +1,24 @@
+// Twiddle tables with their memory, for tests that multiply.
+#pragma once
+
+#include <cstdint>
+
+#include "multiply/twiddle_set.h"
+#include "platform/memory/checked_array.h"
+
+namespace kelvara_test {
+
+class TwiddleMemory {
+  public:
+    explicit TwiddleMemory(std::uint64_t product_words)
+        : memory_(nullptr, (qmp::TwiddleSet::bytes_needed(product_words) + 7) / 8),
+          set_(memory_.data(), memory_.words() * sizeof(std::uint64_t), product_words,
+               qmp::ParallelContext::sequential()) {}
+    const qmp::TwiddleSet* get() const { return &set_; }
+
+  private:
+    qmp::CheckedWords memory_;
+    qmp::TwiddleSet set_;
+};
+
+}  // namespace kelvara_test
