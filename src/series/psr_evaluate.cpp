@@ -25,8 +25,8 @@ struct Fold {
     BigFloat product;  // over the second exact buffer
     BigFloat sum;      // over the first one
 
-    BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(p + 2); }
-    std::uint64_t convolution(std::uint64_t longest_product) const { return longest_product + 6; }
+    std::uint64_t kept() const { return p + big_float_extra_precision; }
+    BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(kept()); }
     // P = product +- P.
     void finish() {
         if (subtract) {
@@ -43,7 +43,7 @@ void fold_block(const BSS_P2B2_BBP&, Fold& fold, const BSS_P2B2_BBP::Buffers& bl
     const BigFloatView P0 = fold.cut(block[0]);
     const BigFloatView Q0 = fold.cut(block[1]);
     const std::uint64_t longest = std::max({P0.L + fold.Q.L, Q0.L + fold.Q.L, Q0.L + fold.P.L});
-    FloatTransformPair pair(fold.context, fold.convolution(longest));
+    FloatTransformPair pair(fold.context, longest + fold_guard_words);
     pair.load(0, Q0);
     pair.load(1, fold.P);
     pair.multiply(fold.P, 1, fold.p);
@@ -60,13 +60,13 @@ void fold_block(const BSS_P2B3_Type0&, Fold& fold, const BSS_P2B3_Type0::Buffers
     const BigFloatView Q0 = fold.cut(block[1]);
     const BigFloatView R0 = fold.cut(block[2]);
     {
-        FloatTransformPair pair(fold.context, fold.convolution(R0.L + fold.P.L));
+        FloatTransformPair pair(fold.context, R0.L + fold.P.L + fold_guard_words);
         pair.load(0, R0);
         pair.load(1, fold.P);
         pair.multiply(fold.P, 1, fold.p);
     }
     {
-        FloatTransformPair pair(fold.context, fold.convolution(fold.Q.L + std::max(P0.L, Q0.L)));
+        FloatTransformPair pair(fold.context, fold.Q.L + std::max(P0.L, Q0.L) + fold_guard_words);
         pair.load(0, fold.Q);
         pair.load(1, Q0);
         pair.multiply(fold.Q, 1, fold.p);
@@ -116,8 +116,8 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
             continue;
         }
         const std::uint64_t p = block.precision_at_a;
-        P.truncate_to(p + 2);
-        Q.truncate_to(p + 2);
+        P.truncate_to(p + big_float_extra_precision);
+        Q.truncate_to(p + big_float_extra_precision);
         ScopedLabel merge(progress, "-  ", label_colour);
         ScopedLabel size(progress, console::format_separated(word_to_dec(Q0.L + Q.L)), label_size_colour);
         Fold fold = {context,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "multiply/multiply.h"
+#include "numbers/big_float.h"
 #include "series/psr_plan.h"
 
 namespace qmp {
@@ -12,16 +13,13 @@ namespace {
 // Halvings that the word count allows for below the parallel levels, whatever the range.
 constexpr int serial_halvings = 64;
 
-// Words of the transforms beyond the lengths of their operands, when blocks are folded.
-constexpr std::uint64_t fold_guard_words = 6;
-
 // Longest product of folding block i into the running values. These are no longer than what the fold
 // before left, or, the first time, than the exact result of the last block.
 std::uint64_t fold_product(const BinarySplittingSeries& series, const PsrPlan& plan, std::uint64_t i) {
     const PsrBlock& block = plan.blocks[i];
-    const std::uint64_t limit = block.precision_at_a + 2;
-    const std::uint64_t running =
-        i + 1 == plan.last() ? plan.blocks[i + 1].size + series.size_margin : block.precision_at_b + 2;
+    const std::uint64_t limit = block.precision_at_a + big_float_extra_precision;
+    const std::uint64_t running = i + 1 == plan.last() ? plan.blocks[i + 1].size + series.size_margin
+                                                       : block.precision_at_b + big_float_extra_precision;
     return std::min(block.size + series.size_margin, limit) + std::min(running, limit) + fold_guard_words;
 }
 

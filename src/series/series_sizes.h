@@ -33,6 +33,9 @@ inline std::uint64_t bsr_tasks(std::uint64_t tasks) {
     return tasks >= 2 ? 2 * tasks : tasks;
 }
 
+// Words that the convolution of a fold has beyond the lengths of its operands.
+constexpr std::uint64_t fold_guard_words = 6;
+
 // Longest product, in words, that the evaluation of the plan asks of the multiplication.
 std::uint64_t psr_largest_product(const BinarySplittingSeries& series, const PsrPlan& plan);
 
