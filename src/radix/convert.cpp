@@ -12,9 +12,9 @@
 namespace qmp {
 namespace {
 
-// Console attributes of a label's texts and of its numbers.
-constexpr int label_attribute = 71;
-constexpr int size_attribute = 89;
+// A label's texts and its numbers.
+constexpr console::Colour text_colour = 'G';
+constexpr console::Colour size_colour = 'Y';
 // Nodes with fewer words are over before anybody could read their label.
 constexpr std::uint64_t smallest_labelled_node = 4096;
 
@@ -25,9 +25,9 @@ constexpr const char* parallel_name = "qmq_CBRv2_ci_btrf_T()";
 class DigitsLabel {
   public:
     DigitsLabel(Progress* progress, const char* text, std::uint64_t words)
-        : text_(progress, text, label_attribute),
+        : text_(progress, text, text_colour),
           size_(progress, progress ? console::format_separated(word_to_dec(words)) : std::string(),
-                size_attribute) {}
+                size_colour) {}
 
   private:
     ScopedLabel text_;
@@ -127,6 +127,11 @@ void report_mismatch(Progress* progress, const ConvertResult& result) {
 ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, const char* name,
                       bool parallel, Word* destination_top, std::uint64_t m, const Word* fraction,
                       std::uint64_t fraction_words, Progress* progress) {
+    if (plan.status()) {
+        ConvertResult refused;
+        refused.status = plan.status();
+        return refused;
+    }
     const Conversion conversion(plan, name, progress);
     const ConvertResult result =
         conversion.node(plan.levels() - 1, destination_top, m, {fraction, fraction_words}, context, parallel);

@@ -173,15 +173,5 @@ TEST(Console, CountsCharacters) {
     EXPECT_EQ(columns, 80u);
 }
 
-#if GTEST_HAS_DEATH_TEST
-TEST(ConsoleDeathTest, FatalErrorsEndTheProgram) {
-    const FedInput input("");
-    CapturedOutput output;
-    EXPECT_EXIT(fatal_error("Invalid Parameter: nonsense"), testing::ExitedWithCode(1), "");
-    EXPECT_EQ(output.finish(), "\n\nInvalid Parameter: nonsense\n\n\n");
-    EXPECT_EXIT(terminate(5), testing::ExitedWithCode(5), "");
-}
-#endif
-
 }  // namespace
 }  // namespace qmp::console

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/standard_streams.h"
 
 namespace qmp::console {
@@ -123,30 +121,6 @@ TEST(Input, TheMemoryCapScreen) {
               "Bytes: ");
     EXPECT_EQ(answer_to("99999E\n", ask_memory_cap), largest_memory_cap);
 }
-
-#if GTEST_HAS_DEATH_TEST
-TEST(InputDeathTest, TheEndOfInputEndsTheProgram) {
-    const std::string message = "There is no more input: the program ends here.\n";
-    const std::vector<void (*)()> readers = {
-        [] { read_line('T'); },
-        [] { read_int_in_range("option: ", 1, 9); },
-        [] { read_digit_count_in_range("digits: ", 100, 200); },
-        [] { ask_memory_cap(); },
-    };
-    for (const auto read : readers) {
-        const FedInput input("");
-        CapturedOutput output;
-        EXPECT_EXIT(read(), testing::ExitedWithCode(1), "");
-        const std::string printed = output.finish();
-        EXPECT_EQ(times(printed, message), 1u) << printed;
-        EXPECT_TRUE(printed.ends_with(message)) << printed;
-    }
-    const FedInput input("-1\n99\n");
-    CapturedOutput output;
-    EXPECT_EXIT(read_int_in_range("option: ", 1, 9), testing::ExitedWithCode(1), "");
-    EXPECT_EQ(times(output.finish(), "option: "), 3u);
-}
-#endif
 
 }  // namespace
 }  // namespace qmp::console

@@ -73,19 +73,5 @@ TEST(Process, SaysWhyItCannotCreateADump) {
     EXPECT_NE(outcome.error_code, 0u);
 }
 
-#if GTEST_HAS_DEATH_TEST
-TEST(ProcessDeathTest, EndsAtOnceWithTheExitCode) {
-    struct Loud {
-        ~Loud() { std::fputs("destroyed", stderr); }
-    };
-    EXPECT_EXIT(
-        {
-            static Loud loud;
-            exit_process(3);
-        },
-        testing::ExitedWithCode(3), "^$");
-}
-#endif
-
 }  // namespace
 }  // namespace qmp::os

@@ -18,8 +18,8 @@ using kelvara_test::Random;
 std::string naive_digits(std::uint64_t word, std::uint32_t radix, int width, bool text) {
     std::string digits(static_cast<std::size_t>(width), '\0');
     for (int i = width - 1; i >= 0; --i) {
-        const char v = static_cast<char>(word % radix);
-        digits[static_cast<std::size_t>(i)] = text ? "0123456789abcdef"[v] : v;
+        const std::size_t v = word % radix;
+        digits[static_cast<std::size_t>(i)] = text ? "0123456789abcdef"[v] : static_cast<char>(v);
         word /= radix;
     }
     return digits;
@@ -126,7 +126,7 @@ TEST_P(WordCodecLevels, EveryQuotient) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, WordCodecLevels, testing::Values("scalar", "SSE4.1"),
-                         [](const auto& info) { return std::string(info.param).substr(0, 4); });
+                         [](const auto& level) { return std::string(level.param).substr(0, 4); });
 
 TEST(DigitCodecs, KnownWords) {
     char digits[20] = {};
@@ -169,8 +169,9 @@ TEST(CharacterCodecs, EveryLengthAndAlignment) {
                 std::string raw(n, '\0');
                 std::string text(n, '\0');
                 for (std::uint64_t i = 0; i < n; ++i) {
-                    raw[i] = static_cast<char>(random.between(0, radix - 1));
-                    text[i] = "0123456789abcdef"[raw[i]];
+                    const std::uint64_t v = random.between(0, radix - 1);
+                    raw[i] = static_cast<char>(v);
+                    text[i] = "0123456789abcdef"[v];
                 }
                 std::string buffer = std::string(offset, '~') + raw + "~";
                 (radix == 10 ? raw_to_dec : raw_to_hex)(buffer.data() + offset, buffer.data() + offset, n);

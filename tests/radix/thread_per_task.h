@@ -13,12 +13,12 @@ namespace kelvara_test {
 class ThreadPerTask final : public qmp::BasicParallelizer {
   public:
     void run_in_parallel(qmp::BasicAction& action, std::uint64_t start, std::uint64_t end) override {
-        std::vector<std::thread> threads;
+        std::vector<std::thread> running;
         for (std::uint64_t i = start; i < end; ++i) {
             ++tasks_run_;
-            threads.emplace_back([&action, i] { action.run(i); });
+            running.emplace_back([&action, i] { action.run(i); });
         }
-        for (auto& thread : threads) thread.join();
+        for (auto& thread : running) thread.join();
     }
     void run_in_parallel(qmp::BasicAction& a, qmp::BasicAction& b) override {
         tasks_run_ += 2;

@@ -1,30 +1,16 @@
 #include "multiply/fft/fft_algorithm.h"
 
-#include <algorithm>
-#include <array>
-
 #include "errors/check.h"
 #include "multiply/fft/fft_transform_parameters.h"
-#include "multiply/fft/size_tables.h"
 
 namespace qmp::fft {
 namespace {
 
 constexpr std::uint64_t largest_product_bits = 0x6000000;
 
-// Two transformed operands and twice the scratch of one operation, for the longest transform that
-// products of up to this many bits use: a larger product may well have a shorter one.
+// Two transformed operands and twice the scratch of one operation.
 std::uint64_t scratch_bytes(std::uint64_t bits) {
-    static const std::array<std::uint64_t, size_table_rows> bytes = [] {
-        std::array<std::uint64_t, size_table_rows> result{};
-        std::uint64_t points = 0;
-        for (std::size_t i = 0; i < size_table_rows; ++i) {
-            points = std::max(points, size_table[i].points);
-            result[i] = 2 * (8 * points) + 2 * (4 * points);
-        }
-        return result;
-    }();
-    return bytes[static_cast<std::size_t>(&fft_params(bits) - size_table.data())];
+    return 2 * (8 + 4) * fft_params(bits).points;
 }
 
 template <typename W>
@@ -59,6 +45,7 @@ class FftAlgorithm final : public WordAlgorithm<W> {
                         std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
                         std::uint64_t lb) {
         const FftTransformParameters parameters((sizeof(W) * (la + lb) + 7) / 8);
+        parameters.require_twiddles(context);
         const std::uint64_t operand = parameters.operand_words;
         require_capacity(function, context.scratch_words, 2 * operand + 2 * parameters.scratch_words);
         Word* transformed_a = context.scratch;

@@ -10,15 +10,10 @@
 namespace qmp::fft {
 namespace {
 
-// The plan of a size with the computation's twiddle factors, which must cover it.
-Plan make_plan(const MultiplyContext& context, const FftParams& params) {
+// The table of the size's multiplier, or null when the context has none that is long enough.
+const TwiddleTable* covering_table(const MultiplyContext& context, const FftParams& params) {
     const TwiddleTable* table = context.twiddles ? context.twiddles->table(params.r) : nullptr;
-    if (table == nullptr || table->exponent() < params.k) {
-        throw LimitExceededException("FftTransformParameters::make_plan()",
-                                     context.twiddles ? context.twiddles->largest_product() : 0,
-                                     params.capacity_bits / 64);
-    }
-    return Plan(params, *table);
+    return table && table->exponent() >= params.k ? table : nullptr;
 }
 
 double* as_points(Word* buffer) {
@@ -36,10 +31,18 @@ FftTransformParameters::FftTransformParameters(std::uint64_t n) : params_(qmp::f
     scratch_words = params_.points / 2;
 }
 
+void FftTransformParameters::require_twiddles(const MultiplyContext& context) const {
+    if (covering_table(context, params_)) return;
+    throw LimitExceededException("FftTransformParameters::require_twiddles()",
+                                 context.twiddles ? context.twiddles->largest_product() : 0,
+                                 convolution_words());
+}
+
 void FftTransformParameters::forward_bytes(const MultiplyContext& context, Word* transformed,
                                            const void* operand, std::uint64_t bytes) const {
     if (8 * bytes > convolution_bits) invalid_function_parameters("FftTransformParameters::forward()");
-    const Plan plan = make_plan(context, params_);
+    require_twiddles(context);
+    const Plan plan(params_, *covering_table(context, params_));
     double* points = as_points(transformed);
     split_points(context.parallel(), plan, points, operand, bytes);
     forward_transform(context.parallel(), plan, points);
@@ -51,7 +54,8 @@ void FftTransformParameters::inverse_bytes(const MultiplyContext& context, Word*
         invalid_function_parameters("FftTransformParameters::inverse_multiply()");
     }
     require_capacity("FftTransformParameters::inverse_multiply()", context.scratch_words, scratch_words);
-    const Plan plan = make_plan(context, params_);
+    require_twiddles(context);
+    const Plan plan(params_, *covering_table(context, params_));
     const ParallelContext parallel = context.parallel();
     double* points = as_points(a);
 

@@ -26,6 +26,9 @@ class FftTransformParameters final : public TransformParameters {
                         std::uint64_t end) const override;
     bool compatible_with(const TransformParameters& other) const override;
 
+    // LimitExceededException unless the context's twiddle tables cover this size, as every operation on
+    // points throws.
+    void require_twiddles(const MultiplyContext& context) const;
     // The same on operands of little-endian bytes, for words of any size. `first` and `end` in bytes.
     void forward_bytes(const MultiplyContext& context, Word* transformed, const void* operand,
                        std::uint64_t bytes) const;

@@ -16,13 +16,16 @@ struct Candidate {
     bool (*supported)(const ProcessorFeatures&);
 };
 
-// Best first. The one list of levels.
+// Best first. The one list of levels. A level needs all that its file is compiled for
+// (cmake/KernelFlags.cmake).
 constexpr Candidate candidates[] = {
     {&kernels_avx512,
      [](const ProcessorFeatures& f) {
-         return f.os_avx512 && f.avx512f && f.avx512dq && f.avx512bw && f.avx512vl && f.fma3;
+         return f.os_avx512 && f.avx512f && f.avx512dq && f.avx512bw && f.avx512vl && f.avx2 && f.fma3 &&
+                f.bmi2 && f.adx;
      }},
-    {&kernels_avx2, [](const ProcessorFeatures& f) { return f.os_avx && f.avx2 && f.fma3; }},
+    {&kernels_avx2,
+     [](const ProcessorFeatures& f) { return f.os_avx && f.avx2 && f.fma3 && f.bmi1 && f.bmi2; }},
     {&kernels_sse2, [](const ProcessorFeatures&) { return true; }},
     {&kernels_scalar, [](const ProcessorFeatures&) { return true; }},
 };

@@ -58,6 +58,26 @@ constexpr bool strictly_increasing(const FftParams* rows, std::size_t count) {
 }
 static_assert(strictly_increasing(size_table.data(), size_table_rows));
 
+// However irregular the point sizes: a larger capacity never has a shorter transform, so the memory that
+// products need grows with them.
+constexpr bool points_never_shrink() {
+    for (std::size_t i = 1; i < size_table_rows; ++i) {
+        if (size_table[i].points < size_table[i - 1].points) return false;
+    }
+    return true;
+}
+static_assert(points_never_shrink());
+
+// What the rounding rests on (NUMERICS.md): coefficients below 2^51, and N * 2^(2b - 2), the bound of a
+// coefficient of centred points, at most 2^47.
+constexpr bool within_precision(const FftParams* rows, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (rows[i].points << (2 * rows[i].b - 2) > std::uint64_t{1} << 47) return false;
+    }
+    return true;
+}
+static_assert(within_precision(size_table.data(), size_table_rows));
+
 // The widest point that the size table has for a length, 0 for a length that is not in it.
 constexpr std::uint64_t widest_point(std::uint32_t r, std::uint32_t k) {
     std::uint64_t widest = 0;
@@ -108,6 +128,7 @@ constexpr std::array<FftParams, exact_size_table_rows> checked_exact_sizes() {
 }  // namespace
 
 constexpr std::array<FftParams, exact_size_table_rows> exact_size_table = checked_exact_sizes();
+static_assert(within_precision(exact_size_table.data(), exact_size_table_rows));
 static_assert(exact_size_table.front() == make_params(1, 7, 9));
 static_assert(exact_size_table.back() == make_params(1, 22, 12));
 

@@ -8,8 +8,9 @@ namespace qmp::fft {
 namespace {
 
 constexpr std::uint64_t points_per_task = std::uint64_t{1} << 15;
-// Complex numbers in blocks that are finished in the nearest cache (32 KB).
-constexpr std::uint64_t cached_length = 2048;
+// Complex numbers in blocks that are taken pass by pass (64 KB). Larger blocks leave the nearest caches,
+// smaller ones share their twiddle factors less.
+constexpr std::uint64_t cached_length = 4096;
 constexpr std::uint64_t points_per_group = 16;
 constexpr std::uint64_t points_per_block = 64;
 constexpr std::uint32_t shortest_exponent = 4;
@@ -209,22 +210,26 @@ void merge_points(ParallelContext parallel, const Plan& plan, std::uint64_t* wor
                   const double* data, double shift) {
     const std::uint64_t b = plan.params.b;
     const std::uint64_t blocks = plan.params.points / points_per_block;
-    const double scale = plan.table->scale(64 + plan.params.k);
+    // Level k + 1 is that of N points; the transforms have N / 2 numbers.
+    const double scale = 2.0 * plan.table->scale(64 + plan.params.k + 1);
     const Merge merge = plan.level->kernels->merge[b - smallest_width];
     for_ranges(parallel, blocks, points_per_block, 1, [&](std::uint64_t begin, std::uint64_t end) {
         merge(words, carries, data, scale, 0x1.8p52 + shift, begin, end);
     });
-    const std::uint64_t count = plan.params.capacity_bits / 64;
-    for (std::uint64_t block = 0; block < blocks; ++block) {
-        add_cyclic(words, count, (block + 1) * b == count ? 0 : (block + 1) * b, carries[block]);
-    }
+    std::uint64_t last_carry = 0;
     const std::uint64_t rest = plan.params.points % points_per_block;
     if (rest != 0) {
-        std::uint64_t carry;
-        merge_rest(words + blocks * b, &carry, data + blocks * points_per_block, rest, scale,
+        merge_rest(words + blocks * b, &last_carry, data + blocks * points_per_block, rest, scale,
                    0x1.8p52 + shift);
-        add_cyclic(words, count, 0, carry);
     }
+
+    // The carries between blocks, when all words are in place.
+    const std::uint64_t count = plan.params.capacity_bits / 64;
+    for (std::uint64_t block = 0; block < blocks; ++block) {
+        const std::uint64_t next = (block + 1) * b;
+        add_cyclic(words, count, next == count ? 0 : next, carries[block]);
+    }
+    add_cyclic(words, count, 0, last_carry);
 }
 
 }  // namespace qmp::fft

@@ -1,0 +1,156 @@
+#include "sessions/ram_session.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "console/console.h"
+#include "console/format.h"
+#include "constants/ram_computation.h"
+#include "errors/exception.h"
+#include "multiply/twiddle_set.h"
+#include "numbers/compute_context.h"
+#include "platform/memory/region_allocator.h"
+#include "platform/os/memory.h"
+#include "sessions/output_files.h"
+#include "sessions/report.h"
+#include "sessions/session_progress.h"
+
+namespace kelvara {
+namespace {
+
+namespace console = qmp::console;
+
+// Room for the allocation records, sentinels and alignment of the arrays carved from the block.
+constexpr std::uint64_t working_memory_margin = 1'048'640;
+
+std::uint64_t round_down_to_8(std::uint64_t bytes) {
+    return bytes & ~std::uint64_t{7};
+}
+
+}  // namespace
+
+struct RamSession::Memory {
+    qmp::LargeHeap working;
+    qmp::LargeHeap twiddles;
+    std::optional<qmp::RegionAllocator> region;
+    std::optional<qmp::TwiddleSet> twiddle_set;
+};
+
+std::uint64_t RamSession::working_size(const RamComputation& computation) const {
+    return std::max(computation.memory_estimate(),
+                    qmp::decimal_output_bytes(settings_.decimal_digits(), settings_.task_decomposition()));
+}
+
+void RamSession::warn_if_memory_is_short(std::uint64_t bytes) const {
+    const std::uint64_t available =
+        std::min(qmp::os::available_physical_memory(), std::uint64_t{0x6ffffffffffffff9});
+    if (available == 0 || available >= bytes) return;
+    console::print_warning(
+        "Warning:\nThere is insufficient available memory to perform this operation.\n\nInsufficient memory "
+        "may lead "
+        "to virtual memory thrashing which can cause severe\nperformance degradation and/or system "
+        "unresponsiveness.\n");
+    console::pause();
+    console::newline();
+}
+
+void RamSession::print_header(const RamComputation& computation) const {
+    const Constant& constant = settings_.constant();
+    constant.print_settings();
+    console::newline();
+    console::print_column_line(12, "Constant:", constant.full_name(), constant.colour());
+    console::print_column_line(12, "Algorithm:", computation.long_name(), 'Y');
+    console::newline();
+    console::print_column_line(22, "Decimal Digits:", console::format_separated(settings_.decimal_digits()),
+                               'G');
+    if (settings_.hexadecimal_digits() == 0) {
+        console::print_column_line(22, "Hexadecimal Digits:", "Disabled", 'g');
+    } else {
+        console::print_column_line(
+            22, "Hexadecimal Digits:", console::format_separated(settings_.hexadecimal_digits()), 'G');
+    }
+    console::newline();
+    console::print_column_line(22, "Computation Mode:", "Ram Only", 'R');
+    console::print_column(22, "Multi-Threading:", "");
+    settings_.framework().print_summary(settings_.task_decomposition());
+    console::newline();
+    console::print_column_line(22, "Memory Allocator:", settings_.allocator().get_display_name(), 'T');
+    console::newline();
+}
+
+void RamSession::reserve(Memory& memory, const RamComputation& computation) {
+    const qmp::ParallelContext parallel = settings_.parallel();
+    record_.working_memory = round_down_to_8(working_size(computation) + working_memory_margin);
+
+    record_.log.append("Reserving Working Memory");
+    qmp::CounterTimePoint step = qmp::now();
+    memory.working = qmp::allocate_large_heap(settings_.allocator(), "Reserving Working Memory...     ",
+                                              record_.working_memory, parallel);
+    record_.working_memory_text = memory.working.description;
+    if (reinterpret_cast<std::uintptr_t>(memory.working.block->base) % 8 != 0) {
+        console::fatal_error("Alignment Error");
+    }
+    memory.region.emplace(memory.working.block->base, round_down_to_8(memory.working.block->size));
+    record_.log.append("Reserving Working Memory: " +
+                       console::format_time(qmp::seconds_between(qmp::now(), step)));
+
+    record_.log.append("Constructing Twiddle Tables");
+    step = qmp::now();
+    const std::uint64_t product = std::max(computation.largest_product(),
+                                           qmp::decimal_output_largest_product(settings_.decimal_digits()));
+    const std::uint64_t bytes = std::max<std::uint64_t>(qmp::TwiddleSet::bytes_needed(product), 64);
+    memory.twiddles =
+        qmp::allocate_large_heap(settings_.allocator(), "Constructing Twiddle Tables...  ", bytes, parallel);
+    record_.twiddle_memory_text = memory.twiddles.description;
+    memory.twiddle_set.emplace(memory.twiddles.block->base, memory.twiddles.block->size, product, parallel);
+    record_.log.append("Constructing Twiddle Tables: " +
+                       console::format_time(qmp::seconds_between(qmp::now(), step)));
+    console::newline();
+}
+
+void RamSession::compute_and_write(Memory& memory, const RamComputation& computation) {
+    SessionProgress progress(record_.log);
+    const qmp::ComputeContext context{settings_.parallel(), &*memory.twiddle_set, &*memory.region, &progress};
+    OutputFiles files(settings_.output_folder(), settings_.constant().short_name(), computation.short_name(),
+                      progress);
+
+    console::println("Begin Computation:\n");
+    record_.log.append("Begin Computation");
+    record_.computing = qmp::cpu_now();
+    const qmp::OwnedBigFloat value = computation.compute(context);
+    record_.computed = qmp::cpu_now();
+    console::newline();
+
+    if (settings_.hexadecimal_digits() > 0) {
+        record_.hexadecimal =
+            qmp::write_hexadecimal(context, value.number, settings_.hexadecimal_digits(), files.opener(16));
+    }
+    record_.decimal = qmp::write_decimal(context, value.number, settings_.decimal_digits(), files.opener(10));
+    record_.files = files.files();
+    record_.ended = qmp::cpu_now();
+    record_.end_time = local_time_text();
+    settings_.framework().reset();
+    record_.log.append("End Computation");
+    print_report(record_);
+    files.rethrow_failure();
+}
+
+void RamSession::run() {
+    record_.started = qmp::cpu_now();
+    const std::unique_ptr<RamComputation> computation =
+        settings_.constant().make_ram_computation(settings_.task_decomposition());
+    warn_if_memory_is_short(working_size(*computation));
+    print_header(*computation);
+
+    record_.start_time = local_time_text();
+    record_.started = qmp::cpu_now();
+    console::print_column_line(12, "Start Time:", record_.start_time, 'Y');
+    console::newline();
+
+    settings_.framework().warm_up();
+    Memory memory;
+    reserve(memory, *computation);
+    compute_and_write(memory, *computation);
+}
+
+}  // namespace kelvara

@@ -1,0 +1,41 @@
+// What a session knows of its run: filled step by step, printed by the report.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/timers.h"
+#include "radix/output_driver.h"
+#include "sessions/event_log.h"
+
+namespace kelvara {
+
+// One digit file of the run.
+struct WrittenFile {
+    std::string path;
+    bool complete = true;
+};
+
+struct SessionRecord {
+    std::string start_time;
+    std::string end_time;
+    qmp::CpuTimePoint started;    // before the reservation
+    qmp::CpuTimePoint computing;  // "Begin Computation"
+    qmp::CpuTimePoint computed;   // the constant's value is there
+    qmp::CpuTimePoint ended;      // the digits are written and verified
+
+    std::uint64_t working_memory = 0;  // bytes reserved
+    std::string working_memory_text;   // as the allocator describes the block
+    std::string twiddle_memory_text;
+
+    qmp::DigitOutput decimal;
+    qmp::DigitOutput hexadecimal;  // digits = 0 when disabled
+    std::vector<WrittenFile> files;
+    EventLog log;
+
+    double total_seconds() const { return qmp::seconds_between(ended.wall, computing.wall); }
+    double wall_seconds() const { return qmp::seconds_between(ended.wall, started.wall); }
+};
+
+}  // namespace kelvara
