@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "errors/exception.h"
-
 namespace qmp {
 
 void DigitWriter::stage(const char* digits, std::uint64_t count) {
@@ -28,14 +26,6 @@ void DigitWriter::flush() {
 
 void DigitWriter::flush_before(const char* digits) {
     if (pending_ > 0 && digits != staging()) flush();
-}
-
-void DigitWriter::flush_or_print() noexcept {
-    try {
-        flush();
-    } catch (const Exception& exception) {
-        exception.print();
-    }
 }
 
 }  // namespace qmp

@@ -23,7 +23,6 @@ class DigitWriter : public DigitSink {
 
     // Writes what is staged, closes the file and opens it for reading.
     virtual std::unique_ptr<DigitReader> close() = 0;
-    void finish() override { flush(); }
 
     // Takes a copy of the digits; allocates the staging buffer when first used.
     void stage(const char* digits, std::uint64_t count);
@@ -33,8 +32,6 @@ class DigitWriter : public DigitSink {
   protected:
     // The first part of every write(): staged digits go before a foreign block.
     void flush_before(const char* digits);
-    // For destructors, which cannot throw: prints what goes wrong.
-    void flush_or_print() noexcept;
 
     CheckedWords buffer_;        // absent until first used
     std::uint64_t pending_ = 0;  // digits staged and not yet written

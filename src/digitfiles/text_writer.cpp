@@ -9,41 +9,51 @@ namespace qmp {
 TextWriter::TextWriter(const std::string& path, const std::string& first_digits, bool convert,
                        std::uint32_t radix)
     : radix_(radix) {
-    const auto fail = [&](const char* message, std::uint32_t code = 0) {
-        throw FileIO::FileException("TextWriter::TextWriter()", message, path, code);
-    };
+    constexpr const char* function = "TextWriter::TextWriter()";
     file_.create(path);
     if (!first_digits.empty()) {
         const std::size_t point = first_digits.find('.');
-        if (point == std::string::npos) fail("No decimal place was found.");
-        if (file_.write(first_digits.data(), point + 1) != point + 1) {
-            fail("Error writing to file.", file_.last_error());
-        }
+        if (point == std::string::npos) fail(function, "No decimal place was found.");
+        if (file_.write(first_digits.data(), point + 1) != point + 1)
+            fail(function, "Error writing to file.");
     }
     if (convert) {
-        if (radix != 10 && radix != 16) fail("Unsupported Radix");
+        if (radix != 10 && radix != 16) fail(function, "Unsupported Radix");
         converter_ = radix == 10 ? raw_to_dec : raw_to_hex;
     }
 }
 
 TextWriter::~TextWriter() {
-    if (file_.is_open()) flush_or_print();
+    // An object that could not be finished keeps its file open; everything that was written is in it.
+    if (!file_.is_open()) return;
+    try {
+        finish();
+    } catch (const Exception& exception) {
+        exception.print();
+    }
 }
 
 void TextWriter::write(char* digits, std::uint64_t count) {
     flush_before(digits);
     if (converter_) converter_(digits, digits, count);
-    if (file_.write(digits, count) != count) {
-        throw FileIO::FileException("TextWriter::write()", "Error writing to file.", file_.path(),
-                                    file_.last_error());
-    }
+    if (file_.write(digits, count) != count) fail("TextWriter::write()", "Error writing to file.");
+}
+
+void TextWriter::finish() {
+    flush();
+    if (!file_.is_open()) return;
+    file_.close();
+    // Some systems report only here that a block did not reach the disk.
+    if (file_.last_error() != 0) fail("TextWriter::close()", "Error writing to file.");
 }
 
 std::unique_ptr<DigitReader> TextWriter::close() {
-    flush();
-    const std::string path = file_.path();
-    file_.close();
-    return std::make_unique<TextReader>(path, false, radix_);
+    finish();
+    return std::make_unique<TextReader>(file_.path(), false, radix_);
+}
+
+void TextWriter::fail(const char* function, const char* message) const {
+    throw FileIO::FileException(function, message, file_.path(), file_.last_error());
 }
 
 }  // namespace qmp

@@ -22,11 +22,16 @@ class TextWriter final : public DigitWriter {
     // A converted block holds characters afterwards. FileException ("TextWriter::write()") with the
     // system's code when not everything could be written; what was, stays in the file.
     void write(char* digits, std::uint64_t count) override;
+    // Writes what is staged and closes the file; nothing can be written afterwards. FileException
+    // ("TextWriter::close()") when the system reports only then that digits did not reach the disk.
+    void finish() override;
     // Returns a TextReader that delivers characters.
     std::unique_ptr<DigitReader> close() override;
 
   private:
     using Converter = void (*)(char* text, const char* raw, std::uint64_t n);
+
+    [[noreturn]] void fail(const char* function, const char* message) const;
 
     std::uint32_t radix_;
     FileIO::SequentialFile file_;

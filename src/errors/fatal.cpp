@@ -1,8 +1,11 @@
 #include "errors/fatal.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <thread>
 
 #include "console/console.h"
 #include "errors/exception.h"
@@ -20,6 +23,7 @@ namespace {
 }  // namespace
 
 void assertion_failure(std::string_view condition, std::string_view location, std::string_view detail) {
+    claim_last_words();
     console::set_color('R');
     console::write("\n\n");
     console::write("FATAL ERROR: Assertion Failure");
@@ -60,7 +64,14 @@ void print_current_exception() {
     }
 }
 
+void claim_last_words() {
+    static std::atomic<bool> claimed{false};
+    if (!claimed.exchange(true)) return;
+    for (;;) std::this_thread::sleep_for(std::chrono::hours(1));  // until the claimant ends the process
+}
+
 void end_after_child_thread_exception() {
+    claim_last_words();
     print_current_exception();
     console::print_warning("FATAL ERROR: Unhandled exception in child thread.");
     console::terminate(1);

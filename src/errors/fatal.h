@@ -19,6 +19,10 @@ namespace qmp {
 // anything else has nothing to say.
 void print_current_exception();
 
+// Call before the last words of the program. The first thread to do so goes on; every other one stops here,
+// so that threads that fail together do not print into one another's reports.
+void claim_last_words();
+
 // Call in a catch (...) clause on a thread of the program's own: prints the current exception and
 // "FATAL ERROR: Unhandled exception in child thread.", and ends the program with exit code 1.
 [[noreturn]] void end_after_child_thread_exception();

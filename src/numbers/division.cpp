@@ -73,7 +73,8 @@ void newton::division_step(const MultiplyContext& context, BigFloat& q, BigFloat
     }
     StepLabel label(progress, " - 2M - ", estimate_p);
     product.set_mul(context, r, q, estimate_p + 2);
-    q.set_add(context, estimate, product, p + 1);
+    // One word of q's capacity stays free for the operations in place that finish a constant.
+    q.set_add(context, estimate, product, p);
 }
 
 void BigFloatR_div_P(const MultiplyContext& context, BigFloat& q, BigFloatView a, BigFloatView b,

@@ -4,7 +4,8 @@
 // and form only the unknown part of each product. The transform forms hand over to the elementary ones
 // below 10 words. Every step checks that the estimate before it was good enough:
 // AlgorithmFailedException ("Convergence Failure" and its kin) otherwise, ArithmeticException for a
-// division by zero. No partial result survives an exception.
+// division by zero. No partial result survives an exception. A result is off by at most two units of word
+// position top - p, that is, its first p words are right; it does not depend on the task count.
 //
 // `scratch` holds the intermediate numbers, sized by the functions below; the context's own scratch
 // serves the products. The result may not overlap an input.
@@ -33,7 +34,7 @@ void BigFloatR_rcp_E(const MultiplyContext& context, BigFloat& r, BigFloatView x
                      Word* scratch, std::uint64_t scratch_words);
 void BigFloatR_rcp_P(const MultiplyContext& context, BigFloat& r, BigFloatView x, std::uint64_t p,
                      Word* scratch, std::uint64_t scratch_words, Progress* progress);
-// q = a/b. Capacity of q: p + 3 words.
+// q = a/b. Capacity of q: p + 3 words, of which q takes at most p + 2.
 void BigFloatR_div_P(const MultiplyContext& context, BigFloat& q, BigFloatView a, BigFloatView b,
                      std::uint64_t p, Word* scratch, std::uint64_t scratch_words, Progress* progress);
 // r = 1/sqrt(w). Capacity of r: p + 4 words.

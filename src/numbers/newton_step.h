@@ -4,10 +4,12 @@
 // An estimate r' of 1/x at p' words makes y = x r' nearly 1. e = |y - 1| is what the step corrects, and
 // it must lie below word position 2 - p': an estimate that is worse is a failure of the iteration.
 //
-// How precise a step is: with R = 2^64 and a relative error of d' R^-(p'+1) in the estimate, the new error
-// is at most (d'^2 / R) R^-(p+1) from squaring, plus a few R^-(p+1) from the words that are dropped. So a
-// step keeps p + 2 words. With one word fewer, errors of one unit would be squared into errors of one
-// unit at each doubling, and grow from step to step when x is unlucky.
+// How precise a step is, with R = 2^64. A relative error of d' R^-(p'+1) in the estimate leaves
+// d'^2 R^-2(p'+1), at most (d'^2 / R) R^-(p+1), to which the words that are dropped add a few R^-(p+1). So
+// a step keeps p + 2 words: then d stays small. With one word fewer, d'^2 would not be divided by R, and
+// an unlucky operand's errors would grow from doubling to doubling until the check fails. (Only where x is
+// just above a power of R does y spend a word on its integer part; the elementary form then drops up to
+// R^-p, always to the same side, of which the next step's square, to the other side, is at most as much.)
 #pragma once
 
 #include <cstdint>

@@ -14,7 +14,7 @@ namespace {
 
 using Features = qmp::ProcessorFeatures;
 
-constexpr RequiredFeature bulldozer_features[] = {
+constexpr RequiredFeature fma4_features[] = {
     {"", &Features::os_64bit},    {"x64", &Features::x64},      {"SSE", &Features::sse},
     {"SSE2", &Features::sse2},    {"SSE3", &Features::sse3},    {"SSSE3", &Features::ssse3},
     {"SSE4.1", &Features::sse41}, {"SSE4.2", &Features::sse42}, {"AVX", &Features::avx},
@@ -22,7 +22,7 @@ constexpr RequiredFeature bulldozer_features[] = {
     {"XOP", &Features::xop},
 };
 
-constexpr RequiredFeature broadwell_features[] = {
+constexpr RequiredFeature avx2_features[] = {
     {"", &Features::os_64bit},    {"x64", &Features::x64},      {"SSE", &Features::sse},
     {"SSE2", &Features::sse2},    {"SSE3", &Features::sse3},    {"SSSE3", &Features::ssse3},
     {"SSE4.1", &Features::sse41}, {"SSE4.2", &Features::sse42}, {"AVX", &Features::avx},
@@ -32,8 +32,8 @@ constexpr RequiredFeature broadwell_features[] = {
 };
 
 constexpr BuildIdentity identities[] = {
-    {"0.7.3", "9474", "11-BD1 ~ Vessa", bulldozer_features},
-    {"0.7.3", "9474", "14-BDW ~ Tarn", broadwell_features},
+    {"0.7.3", "9474", "11-BD1 ~ Vessa", fma4_features},
+    {"0.7.3", "9474", "20-AVX2 ~ Vessa", avx2_features},
 };
 
 // The row whose tag begins with the chosen word; an unknown word does not compile.

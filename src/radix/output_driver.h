@@ -36,5 +36,7 @@ DigitOutput write_hexadecimal(const ComputeContext& context, BigFloatView x, std
 // Upper bound of what write_decimal takes from the region, in bytes, and its largest product in words.
 std::uint64_t decimal_output_bytes(std::uint64_t digits, std::uint64_t tasks);
 std::uint64_t decimal_output_largest_product(std::uint64_t digits);
+// The same for write_hexadecimal, which forms no product.
+std::uint64_t hexadecimal_output_bytes(std::uint64_t digits);
 
 }  // namespace qmp

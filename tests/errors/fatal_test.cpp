@@ -68,5 +68,18 @@ TEST(ChildThreadGuardDeathTest, PrintsTheLineForAnythingElse) {
     EXPECT_FATAL(throw_on_a_child_thread(42), "^\nFATAL ERROR: Unhandled exception in child thread.\n");
 }
 
+TEST(ChildThreadGuardDeathTest, ThreadsThatFailTogetherReportOnce) {
+    EXPECT_FATAL(
+        {
+            std::thread other[8];
+            for (std::thread& thread : other) {
+                thread = std::thread([] { throw_on_a_child_thread(qmp::ArithmeticException("g()", "Bad sum.")); });
+            }
+            for (std::thread& thread : other) thread.join();
+        },
+        "^\nException Encountered: ArithmeticException\n\nIn Function: g\\(\\)\n\nBad sum.\n\n"
+        "\nFATAL ERROR: Unhandled exception in child thread.\n$");
+}
+
 }  // namespace
 #endif

@@ -24,6 +24,7 @@ void expect_division(NewtonMemory& memory, const Words& a, const Words& b, std::
     GuardedBigFloat q(p + 3);
     divide(memory, q, va, vb, p);
     expect_quotient(q.number, va, vb, p);
+    EXPECT_LE(q.number.L, p + 2) << "room for one word more";
 }
 
 TEST(Division, EveryPrecisionTo300) {

@@ -37,6 +37,7 @@ void PushPoolWorker::thread_main(std::uint64_t number, const ThreadStartHook& ho
         if (hook) hook(number);
         run_tasks();
     } catch (...) {
+        claim_last_words();
         console::print_warning("PushPoolWorker: An exception was thrown from a task.");
         print_current_exception();
         console::terminate(1);

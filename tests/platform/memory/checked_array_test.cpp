@@ -94,7 +94,7 @@ TEST(CheckedArrayDeathTest, DamageEndsTheProgram) {
             set_word_at(p, 24, 0x123456789abcdef0);
             qmp::checked_check(p);
         },
-        "\n0x123456789abcdef0\n(.|\n)*FATAL ERROR: Assertion Failure\n\n"
+        "\n0x123456789abcdef0\n\n\nFATAL ERROR: Assertion Failure\n\n"
         "Array Bounds Checking: An array over-run has been detected.\n");
     EXPECT_CRASH(
         {
@@ -102,7 +102,8 @@ TEST(CheckedArrayDeathTest, DamageEndsTheProgram) {
             set_word_at(p, 24, 0);  // the head is looked at first
             qmp::checked_free(p);
         },
-        "\n0xfedcba9876543210\n(.|\n)*Array Bounds Checking: An array under-run has been detected.\n");
+        "\n0xfedcba9876543210\n\n\nFATAL ERROR: Assertion Failure\n\n"
+        "Array Bounds Checking: An array under-run has been detected.\n");
     qmp::checked_free(p);
 }
 

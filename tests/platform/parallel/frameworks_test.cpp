@@ -69,8 +69,8 @@ class CountingAction : public qmp::BasicAction {
 
 TEST_P(EveryFramework, RunsEveryTaskOnce) {
     const auto framework = GetParam().make();
-    for (const std::uint64_t start : {0, 1, 5}) {
-        for (std::uint64_t n = 0; n <= 70; ++n) {
+    for (const std::uint64_t start : {0, 5}) {
+        for (const std::uint64_t n : {0, 1, 2, 3, 15, 16, 17, 18, 31, 32, 33, 34, 35, 64, 70}) {
             CountingAction action(80);
             framework->run_in_parallel(action, start, start + n);
             ASSERT_TRUE(action.exactly_once(start, start + n)) << start << " " << n;
@@ -149,7 +149,7 @@ std::uint64_t nested_sum(BasicParallelizer& framework, std::uint64_t begin, std:
 
 TEST_P(EveryFramework, SoakOfNestedRanges) {
     const auto framework = GetParam().make();
-    const std::uint64_t rounds = 20 * kelvara_test::multiplier();
+    const std::uint64_t rounds = 6 * kelvara_test::multiplier();
     for (std::uint64_t round = 0; round < rounds; ++round) {
         const std::uint64_t n = 300 + round;
         std::uint64_t expected = 0;
@@ -166,7 +166,7 @@ TEST_P(EveryFramework, MayBeUsedByManyThreadsAtOnce) {
     std::atomic<int> wrong{0};
     for (std::uint64_t t = 0; t < 6; ++t) {
         threads.emplace_back([&, t] {
-            for (std::uint64_t round = 0; round < 20; ++round) {
+            for (std::uint64_t round = 0; round < 8; ++round) {
                 CountingAction action(64);
                 framework->run_in_parallel(action, t, t + 20 + round);
                 if (!action.exactly_once(t, t + 20 + round)) ++wrong;
@@ -343,10 +343,10 @@ void throw_on_a_worker(Thrown thrown) {
 
 TEST(PushPoolDeathTest, AnExceptionOnAWorkerEndsTheProgram) {
     EXPECT_FATAL(throw_on_a_worker(qmp::ArithmeticException("f()", "Bad sum.")),
-                 "PushPoolWorker: An exception was thrown from a task.\n"
-                 "(.|\n)*Exception Encountered: ArithmeticException\n\nIn Function: f\\(\\)\n\nBad sum.\n");
+                 "PushPoolWorker: An exception was thrown from a task.\n\n"
+                 "Exception Encountered: ArithmeticException\n\nIn Function: f\\(\\)\n\nBad sum.\n");
     EXPECT_FATAL(throw_on_a_worker(std::runtime_error("out of luck")),
-                 "PushPoolWorker: An exception was thrown from a task.\n(.|\n)*out of luck");
+                 "PushPoolWorker: An exception was thrown from a task.\n\nout of luck\n");
 }
 #endif
 

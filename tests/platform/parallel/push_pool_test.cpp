@@ -89,7 +89,7 @@ TEST(PushPool, PushAddsAWorkerOnlyWhenAllAreBusy) {
 
 TEST(PushPool, ASearchFindsTheOneIdleWorkerWherever) {
     for (const bool randomize : {false, true}) {
-        for (int repetition = 0; repetition < 50; ++repetition) {
+        for (int repetition = 0; repetition < 10; ++repetition) {
             PushPool pool(randomize);
             pool.ensure_workers(5);
             Gate gate;
