@@ -12,6 +12,7 @@
 #include "series/series_sizes.h"
 #include "series/sum_series.h"
 #include "support/computation_memory.h"
+#include "support/hexadecimal_fraction.h"
 #include "support/reference_digits.h"
 
 namespace kelvara {
@@ -20,6 +21,7 @@ namespace {
 using kelvara_test::ComputationMemory;
 using kelvara_test::hex_fraction;
 using kelvara_test::hex_tail;
+using kelvara_test::reference_digits;
 using kelvara_test::ReferenceDigits;
 using qmp::ParallelContext;
 
@@ -71,11 +73,11 @@ constexpr Algorithm algorithms[] = {
 TEST(EAndPi, EqualTheReferenceDigits) {
     for (const Algorithm& a : algorithms) {
         for (const std::uint64_t decimal : {100u, 1000u, 10000u}) {
-            const ReferenceDigits reference(a.reference, decimal);
+            const ReferenceDigits reference = reference_digits(a.reference, decimal);
             const auto made = computation(a.id, a.keyword, precision_for_digits(decimal), 1);
             const std::string digits =
                 digits_of(*made, ParallelContext::sequential(), reference.hex_digits, a.integer_part);
-            EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_tail) << a.keyword << ", " << decimal;
+            EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_last50) << a.keyword << ", " << decimal;
         }
     }
 }
@@ -97,7 +99,7 @@ TEST(EAndPi, AlgorithmsAgree) {
 
 TEST(EAndPi, TasksAndFrameworksDoNotMatter) {
     for (const Algorithm& a : algorithms) {
-        const ReferenceDigits reference(a.reference, 10000);
+        const ReferenceDigits reference = reference_digits(a.reference, 10000);
         const std::uint64_t p = precision_for_digits(10000);
         for (std::uint64_t i = 0; i < qmp::parallelizer_display_names().size(); i++) {
             const auto framework = qmp::make_parallelizer_by_number(i);
@@ -105,7 +107,7 @@ TEST(EAndPi, TasksAndFrameworksDoNotMatter) {
                 const auto made = computation(a.id, a.keyword, p, tasks);
                 const std::string digits =
                     digits_of(*made, {tasks, framework.get()}, reference.hex_digits, a.integer_part);
-                EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_tail)
+                EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_last50)
                     << a.keyword << ", " << tasks << " tasks, " << framework->get_type_name();
             }
         }

@@ -9,6 +9,7 @@
 #include "numbers/division_driver.h"
 #include "series/test_series.h"
 #include "support/computation_memory.h"
+#include "support/hexadecimal_fraction.h"
 #include "support/reference_digits.h"
 
 namespace qmp {
@@ -19,6 +20,7 @@ using kelvara_test::ComputationMemory;
 using kelvara_test::hex_fraction;
 using kelvara_test::hex_tail;
 using kelvara_test::LogSeries;
+using kelvara_test::reference_digits;
 using kelvara_test::ReferenceDigits;
 
 // The fractional digits of a series' value, and the memory it took checked against the estimate.
@@ -40,11 +42,11 @@ std::string digits_of(const Series& series, std::uint64_t p, ParallelContext par
 
 TEST(SumSeries, LogarithmOfTwo) {
     for (const std::uint64_t decimal : {100u, 1000u, 10000u}) {
-        const ReferenceDigits reference("log(2)", decimal);
+        const ReferenceDigits reference = reference_digits("log(2)", decimal);
         const std::uint64_t p = kelvara::precision_for_digits(decimal);
         const std::string digits =
             digits_of(LogSeries(false), p, ParallelContext::sequential(), 0, 1, 1, reference.hex_digits);
-        EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_tail);
+        EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_last50);
     }
 }
 
@@ -67,14 +69,14 @@ TEST(SumSeries, AlternatingTermsAreSubtracted) {
 
 TEST(SumSeries, ArcCothOfTwoWithEveryTaskCount) {
     const std::uint64_t decimal = 10000;
-    const ReferenceDigits reference("arccoth(2)", decimal);
+    const ReferenceDigits reference = reference_digits("arccoth(2)", decimal);
     const std::uint64_t p = kelvara::precision_for_digits(decimal);
     const auto all = kelvara_test::frameworks();
     for (const auto& framework : all) {
         for (const std::uint64_t tasks : {1u, 2u, 3u, 7u, 16u, 64u}) {
             const std::string digits =
                 digits_of(ArcCothSeries(2), p, {tasks, framework.get()}, 1, 2, 1, reference.hex_digits);
-            EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_tail) << tasks;
+            EXPECT_EQ(digits.substr(digits.size() - 50), reference.hex_last50) << tasks;
         }
     }
 }
@@ -113,7 +115,7 @@ TEST(Psr, FactorAndFirstBlock) {
     const BSS_P2B3_Type0& series = kelvara::pi_formula(0).series;
     const std::uint64_t p = 2000;
     SilentProgress progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     const auto quotient = [&](double factor, std::uint64_t from) {
         const PsrPlan plan = build_psr_plan(series, p, factor);
@@ -148,7 +150,7 @@ TEST(Psr, FactorAndFirstBlock) {
 
 TEST(Psr, BuffersTooSmallNameTheFamily) {
     SilentProgress progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     const auto expect_name = [&](const auto& series, const char* name) {
         const PsrPlan plan = build_psr_plan(series, 100, 1.0);
@@ -187,7 +189,7 @@ class Recording final : public Progress {
 
 TEST(SumSeries, ReportsItsSteps) {
     Recording progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     SumSeries(kelvara::pi_formula(0).series, context, 1000, 13591409, 1, 1);
     const std::vector<std::string> steps = {"begin Summing Series...  |Summing Series",
