@@ -55,6 +55,7 @@ class TransformParametersBox {
     T& emplace(Arguments&&... arguments) {
         static_assert(sizeof(T) <= capacity && alignof(T) <= 64);
         if (object_) object_->~TransformParameters();
+        object_ = nullptr;  // should the constructor throw
         T* object = ::new (static_cast<void*>(storage_)) T(std::forward<Arguments>(arguments)...);
         object_ = object;
         return *object;

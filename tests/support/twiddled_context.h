@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "multiply/multiply_context.h"
-#include "multiply/twiddle_set.h"
+#include "support/twiddle_memory.h"
 #include "support/words_reference.h"
 
 namespace kelvara_test {
@@ -14,22 +14,17 @@ class TwiddledContext {
     // Twiddle tables for products of up to `product_words` words; scratch as given, in bytes.
     TwiddledContext(std::uint64_t product_words, std::uint64_t scratch_bytes,
                     qmp::ParallelContext parallel = qmp::ParallelContext::sequential())
-        : memory_((qmp::TwiddleSet::bytes_needed(product_words) + 7) / 8),
-          scratch_((scratch_bytes + 7) / 8),
-          twiddles_(memory_.data(), qmp::TwiddleSet::bytes_needed(product_words), product_words, parallel),
-          parallel_(parallel) {}
+        : twiddles_(product_words), scratch_((scratch_bytes + 7) / 8), parallel_(parallel) {}
 
-    qmp::MultiplyContext context() { return {parallel_, &twiddles_, scratch_.data(), scratch_.size()}; }
+    qmp::MultiplyContext context() { return {parallel_, twiddles_.get(), scratch_.data(), scratch_.size()}; }
     qmp::MultiplyContext context(qmp::ParallelContext parallel) {
-        return {parallel, &twiddles_, scratch_.data(), scratch_.size()};
+        return {parallel, twiddles_.get(), scratch_.data(), scratch_.size()};
     }
-    const qmp::TwiddleSet& twiddles() const { return twiddles_; }
-    bool guards_intact() const { return memory_.guards_intact() && scratch_.guards_intact(); }
+    bool guards_intact() const { return scratch_.guards_intact(); }
 
   private:
-    GuardedWords memory_;
+    TwiddleMemory twiddles_;
     GuardedWords scratch_;
-    qmp::TwiddleSet twiddles_;
     qmp::ParallelContext parallel_;
 };
 
