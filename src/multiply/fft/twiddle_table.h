@@ -2,6 +2,13 @@
 //
 // Nested level blocks without overlap: level j (5 <= j <= k + 1) is the block at offset
 // 2 * r * 2^(j-2) doubles; the whole table takes 2 * r * 2^k doubles. k + 1 < 5 gives scale factors only.
+//
+// A level holds, for every pair of indices i, i + 1 below r * 2^(j-4), four groups of four doubles: the two
+// cosines and the two sines of m * i * theta, theta = 2 pi / (r * 2^j), for the multipliers m = 0, 8, 4, 12.
+// Level j serves the pass that cuts r * 2^(j-2) complex numbers into quarters.
+//
+// Scale factors: entries 0 to 3 are 1/r, 1/(2r), 1/(4r), 1/(8r); entry 64 + j of a built level is
+// 1/(r * 2^(j-1)). All others are 0.
 #pragma once
 
 #include <array>
