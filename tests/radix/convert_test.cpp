@@ -12,6 +12,7 @@
 #include "radix/convert_fixture.h"
 #include "radix/fractional_product.h"
 #include "radix/hash.h"
+#include "radix/recording.h"
 #include "radix/thread_per_task.h"
 #include "support/fatal.h"
 
@@ -257,6 +258,34 @@ TEST(Convert, TheExactFractionalProductIsTheSame) {
                     << m << " " << j;
             }
         }
+    }
+}
+
+// A wrong power of the lowest level, as a memory error would leave it: halves do not fit, and say so.
+TEST(Convert, AnOverlapMismatchIsReported) {
+    ThreadPerTask threads;
+    Random random(8);
+    for (const auto& [m, sequential] : {std::pair(std::uint64_t{20}, true), {1500, true}, {1500, false}}) {
+        PlannedConversion conversion(base, m, threads.context(2));
+        conversion.tables()[3] ^= 1 << 20;
+        kelvara_test::RecordingProgress progress;
+        conversion.convert(make_words(random, m), sequential, &progress);
+        EXPECT_EQ(conversion.result.status, 0x10000002u);
+        const auto messages = progress.messages();
+        ASSERT_EQ(messages.size(), sequential ? 4u : 3u);
+        EXPECT_EQ(messages[0],
+                  std::string(sequential ? "convert_L()" : "qmq_CBRv2_ci_btrf_T()") + ": Overlap Mismatch");
+        if (sequential) {
+            EXPECT_EQ(messages[1], "RL: " + std::to_string(conversion.result.m));
+            EXPECT_GE(conversion.result.m, 16u);
+            EXPECT_LT(conversion.result.m, 32u);
+        }
+        EXPECT_EQ(messages[messages.size() - 2], "Expected: " + std::to_string(conversion.result.expected));
+        EXPECT_EQ(messages.back(), "Actual: " + std::to_string(conversion.result.actual));
+        EXPECT_NE(conversion.result.expected, conversion.result.actual);
+        // Nobody to tell is no reason to fail.
+        conversion.convert(make_words(random, m), sequential);
+        EXPECT_EQ(conversion.result.status, 0x10000002u);
     }
 }
 
