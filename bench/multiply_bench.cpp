@@ -1,14 +1,14 @@
 // Products through the dispatch beside GMP's, same operands, same run: nanoseconds, and their ratio.
 //
 // Each figure is the median of several rounds; a round repeats the product for some milliseconds. Ours and
-// GMP's rounds alternate, so that a change of the processor's clock meets both.
+// GMP's rounds alternate, so that a change of the processor's clock meets both; times are the process's own
+// on the processor, so that other programs disturb them little.
 #include <gmp.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
+#include <ctime>
 #include <vector>
 
 #include "multiply/multiply.h"
@@ -16,7 +16,6 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using Words = std::vector<qmp::Word>;
 
 constexpr int rounds = 9;
@@ -38,10 +37,10 @@ class AlignedWords {
 
 template <typename Run>
 double nanoseconds(const Run& run, std::uint64_t repetitions) {
-    const auto start = Clock::now();
+    const std::clock_t start = std::clock();
     for (std::uint64_t i = 0; i < repetitions; ++i) run();
-    const std::chrono::duration<double, std::nano> elapsed = Clock::now() - start;
-    return elapsed.count() / static_cast<double>(repetitions);
+    const auto ticks = static_cast<double>(std::clock() - start);
+    return ticks * (1e9 / CLOCKS_PER_SEC) / static_cast<double>(repetitions);
 }
 
 // How often to repeat a product in one round.

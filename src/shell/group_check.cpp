@@ -6,7 +6,7 @@
 
 #include "console/console.h"
 #include "console/format.h"
-#include "platform/os/process.h"
+#include "platform/os/threads.h"
 
 namespace kelvara {
 
@@ -30,9 +30,9 @@ void check_processor_groups(std::span<const std::uint32_t> processors) {
 }
 
 void check_processor_groups() {
-    std::vector<std::uint32_t> processors(qmp::os::processor_group_count());
+    std::vector<std::uint32_t> processors(qmp::os::active_processor_groups());
     for (std::uint32_t group = 0; group < processors.size(); ++group) {
-        processors[group] = qmp::os::processors_in_group(group);
+        processors[group] = qmp::os::active_processors(group);
     }
     check_processor_groups(processors);
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "errors/exception.h"
+#include "support/console.h"
 
 namespace {
 
@@ -107,22 +108,22 @@ TEST(AlgorithmTable, BeyondTheLastEntry) {
 }
 
 TEST(AlgorithmTable, UnknownKeysAreSkipped) {
-    testing::internal::CaptureStdout();
-    const AlgorithmTable table("Some table", WordKind::basic64, {{"XYZ", 64}, {"BKT", 128}});
-    const std::string text = testing::internal::GetCapturedStdout();
+    const std::string text = kelvara_test::printed_by([] {
+        const AlgorithmTable table("Some table", WordKind::basic64, {{"XYZ", 64}, {"BKT", 128}});
+        ASSERT_EQ(table.entries().size(), 1u);
+        EXPECT_EQ(table.entries()[0].threshold, 2u);
+    });
     EXPECT_EQ(text, "\nSkipping unknown algorithm: XYZ\n");
-    ASSERT_EQ(table.entries().size(), 1u);
-    EXPECT_EQ(table.entries()[0].threshold, 2u);
 }
 
 TEST(AlgorithmTable, UnsupportedWordKindsAreSkipped) {
-    testing::internal::CaptureStdout();
-    const AlgorithmTable table("Swap: 64-bit Word", WordKind::swap64, {{"BKT", 3712}, {"C17", 4096}});
-    const std::string text = testing::internal::GetCapturedStdout();
+    const std::string text = kelvara_test::printed_by([] {
+        const AlgorithmTable table("Swap: 64-bit Word", WordKind::swap64, {{"BKT", 3712}, {"C17", 4096}});
+        EXPECT_TRUE(table.entries().empty());
+    });
     EXPECT_EQ(text,
               "\nWarning: BKT does not support: \"Swap: 64-bit Word\"\n"
               "\nWarning: C17 does not support: \"Swap: 64-bit Word\"\n");
-    EXPECT_TRUE(table.entries().empty());
 }
 
 template <typename Run>

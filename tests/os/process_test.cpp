@@ -27,17 +27,6 @@ TEST(Process, NamesItsSystem) {
     EXPECT_TRUE(system_name() == "Windows" || system_name() == "Linux");
 }
 
-TEST(Process, CountsTheProcessorsOfItsGroups) {
-    ASSERT_GE(processor_group_count(), 1u);
-    std::uint32_t total = 0;
-    for (std::uint32_t group = 0; group < processor_group_count(); ++group) {
-        EXPECT_GE(processors_in_group(group), 1u);
-        total += processors_in_group(group);
-    }
-    EXPECT_EQ(total, std::thread::hardware_concurrency());
-    EXPECT_EQ(processors_in_group(processor_group_count()), 0u);
-}
-
 TEST(Process, GivesTheSystemsTextForAnErrorCode) {
     // "No such file or directory" and "File not found": code 2 on both systems.
     const std::string text = system_error_text(2);

@@ -30,6 +30,9 @@ TEST(OsThreads, GroupsHoldAllProcessors) {
         total += qmp::os::active_processors(group);
     }
     EXPECT_EQ(qmp::os::active_processors(), total);
+    if (groups == 1) {
+        EXPECT_EQ(total, std::thread::hardware_concurrency());
+    }
     EXPECT_EQ(qmp::os::active_processors(groups), 0u);
 }
 

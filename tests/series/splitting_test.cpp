@@ -223,7 +223,7 @@ TEST(Tasks, OneTaskNeverCreatesActions) {
     // Below a thousand terms neither do more tasks; four tasks of two threads make three pairs.
     PsrPlan plan;
     kelvara_test::PlannedBuffers<Series_e_Taylor> planned(BSR_sizes(series, 200, 0, 4));
-    const MultiplyContext context({4, &framework}, kelvara_test::shared_twiddles(), planned.scratch.data(),
+    const MultiplyContext context({4, &framework}, &kelvara_test::shared_twiddles(), planned.scratch.data(),
                                   planned.scratch.words());
     BSR_parallel(series, context, 1, planned.buffers, 1, 1000);
     EXPECT_EQ(framework.pairs, 0u);
@@ -234,7 +234,7 @@ TEST(Splitting, ReportsBuffersThatAreTooSmall) {
     BsrSizes sizes = BSR_sizes(series, psr_size(series, 0, 200), 0, 1);
     sizes.words = 150;
     kelvara_test::PlannedBuffers<BSS_P2B3_Type0> planned(sizes);
-    const MultiplyContext context(ParallelContext::sequential(), kelvara_test::shared_twiddles(),
+    const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
                                   planned.scratch.data(), planned.scratch.words());
     EXPECT_THROW(BSR_serial(series, context, planned.buffers, 0, 200), BufferTooSmallException);
     planned.check();
@@ -261,7 +261,7 @@ TEST(BlockLabels, FollowTheRecursion) {
     const Series_e_Taylor series(false);
     RecordingProgress progress;
     kelvara_test::PlannedBuffers<Series_e_Taylor> planned(BSR_sizes(series, psr_size(series, 1, 3001), 1, 1));
-    const MultiplyContext context(ParallelContext::sequential(), kelvara_test::shared_twiddles(),
+    const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
                                   planned.scratch.data(), planned.scratch.words());
     BSR_block(series, context, &progress, planned.buffers, 1, 3001, 1);
     const std::uint64_t m = find_split(series, 1, 3001);

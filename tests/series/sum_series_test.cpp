@@ -115,7 +115,7 @@ TEST(Psr, FactorAndFirstBlock) {
     const BSS_P2B3_Type0& series = kelvara::pi_formula(0).series;
     const std::uint64_t p = 2000;
     SilentProgress progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     const auto quotient = [&](double factor, std::uint64_t from) {
         const PsrPlan plan = build_psr_plan(series, p, factor);
@@ -150,7 +150,7 @@ TEST(Psr, FactorAndFirstBlock) {
 
 TEST(Psr, BuffersTooSmallNameTheFamily) {
     SilentProgress progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     const auto expect_name = [&](const auto& series, const char* name) {
         const PsrPlan plan = build_psr_plan(series, 100, 1.0);
@@ -189,7 +189,7 @@ class Recording final : public Progress {
 
 TEST(SumSeries, ReportsItsSteps) {
     Recording progress;
-    const ComputeContext context = {ParallelContext::sequential(), kelvara_test::shared_twiddles(), nullptr,
+    const ComputeContext context = {ParallelContext::sequential(), &kelvara_test::shared_twiddles(), nullptr,
                                     &progress};
     SumSeries(kelvara::pi_formula(0).series, context, 1000, 13591409, 1, 1);
     const std::vector<std::string> steps = {"begin Summing Series...  |Summing Series",

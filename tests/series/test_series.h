@@ -123,19 +123,13 @@ class PlannedBuffers {
     typename Series::Buffers buffers;
 };
 
-// Tables for every product that the tests of sums form.
-inline const qmp::TwiddleSet* shared_twiddles() {
-    static const TwiddleMemory tables(10240);
-    return tables.get();
-}
-
 // The exact sum over (a, b] in exactly the buffers that BSR_sizes asks for, checked.
 template <typename Series>
 std::vector<ExactValue> block_sum(const Series& series, qmp::ParallelContext parallel, std::uint64_t a,
                                   std::uint64_t b, std::uint64_t size, std::uint64_t depth) {
     PlannedBuffers<Series> planned(BSR_sizes(series, size, depth, parallel.tds));
     qmp::SilentProgress progress;
-    const qmp::MultiplyContext context(parallel, shared_twiddles(), planned.scratch.data(),
+    const qmp::MultiplyContext context(parallel, &shared_twiddles(), planned.scratch.data(),
                                        planned.scratch.words());
     BSR_block(series, context, &progress, planned.buffers, a, b, depth);
     planned.check();

@@ -26,7 +26,7 @@ class SummedBlock {
   public:
     SummedBlock(const Series& series, std::uint64_t b)
         : planned_(BSR_sizes(series, psr_size(series, 0, b), 0, 1)) {
-        const MultiplyContext context(ParallelContext::sequential(), kelvara_test::shared_twiddles(),
+        const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
                                       planned_.scratch.data(), planned_.scratch.words());
         SilentProgress progress;
         BSR_block(series, context, &progress, planned_.buffers, 0, b, 0);

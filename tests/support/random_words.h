@@ -15,7 +15,7 @@ std::uint64_t multiplier();
 
 // A small, fast generator (splitmix64).
 class Random {
- public:
+  public:
     explicit Random(std::uint64_t salt = 0) : state_(seed() + 0x9e3779b97f4a7c15 * (salt + 1)) {}
     std::uint64_t next() {
         std::uint64_t z = (state_ += 0x9e3779b97f4a7c15);
@@ -26,7 +26,7 @@ class Random {
     // In [low, high].
     std::uint64_t between(std::uint64_t low, std::uint64_t high) { return low + next() % (high - low + 1); }
 
- private:
+  private:
     std::uint64_t state_;
 };
 

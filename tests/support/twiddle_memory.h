@@ -21,4 +21,7 @@ class TwiddleMemory {
     qmp::TwiddleSet set_;
 };
 
+// Tables for every product of the algorithm table, built once.
+const qmp::TwiddleSet& shared_twiddles();
+
 }  // namespace kelvara_test

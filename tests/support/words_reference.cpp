@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "multiply/algorithm_table.h"
 #include "support/random_words.h"
 
 namespace kelvara_test {
@@ -24,16 +23,6 @@ std::vector<qmp::Word> reference_product(const std::vector<qmp::Word>& a, const 
         result[a.size() + j] = carry;
     }
     return result;
-}
-
-const qmp::TwiddleSet& shared_twiddles() {
-    // Larger tables are built where a test needs them.
-    static const std::uint64_t product =
-        std::min<std::uint64_t>(qmp::basic_table_64().largest_product(), 20480);
-    static const std::uint64_t bytes = qmp::TwiddleSet::bytes_needed(product);
-    static GuardedWords memory((bytes + 7) / 8);
-    static const qmp::TwiddleSet twiddles(memory.data(), bytes, product, qmp::ParallelContext::sequential());
-    return twiddles;
 }
 
 GuardedWords::GuardedWords(std::uint64_t n) : n_(n), storage_(n + guard_words + 8, garbage) {

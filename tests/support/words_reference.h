@@ -7,6 +7,7 @@
 #include "multiply/multiply_context.h"
 #include "multiply/twiddle_set.h"
 #include "multiply/word.h"
+#include "support/twiddle_memory.h"
 
 namespace kelvara_test {
 
@@ -27,10 +28,6 @@ class GuardedWords {
     std::vector<qmp::Word> storage_;
     qmp::Word* data_;
 };
-
-// Twiddle factors for products of up to 20480 words, as far as the "Basic: 64-bit Word" table goes, built
-// once.
-const qmp::TwiddleSet& shared_twiddles();
 
 // A context on the calling thread with this scratch and the shared twiddle factors.
 inline qmp::MultiplyContext sequential_context(GuardedWords& scratch) {

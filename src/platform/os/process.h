@@ -31,11 +31,6 @@ bool debugger_present();
 std::string_view system_error_text(std::uint32_t code, std::span<char> buffer);
 std::string system_error_text(std::uint32_t code);
 
-// Processor groups: sets of at most 64 processors on Windows, one group of every processor that the
-// process may use on Linux.
-std::uint32_t processor_group_count();
-std::uint32_t processors_in_group(std::uint32_t group);
-
 // What the system hands to a crash handler; null when the process ended itself in despair (an exception
 // that nobody caught).
 struct CrashContext;

@@ -84,7 +84,7 @@ class BlockMerger {
     }
 
     template <int Point>
-    FFT_INLINE void take(typename V::Real value) {
+    FFT_UNROLLED void take(typename V::Real value) {
         constexpr int position = Point * Width;
         constexpr int word = position / 64;
         constexpr int offset = position % 64;

@@ -10,36 +10,36 @@ namespace {
 struct VectorScalar {
     static constexpr int lanes = 2;
     struct Real {
-        double lane[2];
+        double low, high;
     };
     struct Bits {
-        std::uint64_t lane[2];
+        std::uint64_t low, high;
     };
 
-    static FFT_INLINE Real load(const double* p) { return {{p[0], p[1]}}; }
+    static FFT_INLINE Real load(const double* p) { return {p[0], p[1]}; }
     static FFT_INLINE void store(double* p, Real x) {
-        p[0] = x.lane[0];
-        p[1] = x.lane[1];
+        p[0] = x.low;
+        p[1] = x.high;
     }
-    static FFT_INLINE Real set(double x) { return {{x, x}}; }
-    static FFT_INLINE Real add(Real a, Real b) { return {{a.lane[0] + b.lane[0], a.lane[1] + b.lane[1]}}; }
-    static FFT_INLINE Real sub(Real a, Real b) { return {{a.lane[0] - b.lane[0], a.lane[1] - b.lane[1]}}; }
-    static FFT_INLINE Real mul(Real a, Real b) { return {{a.lane[0] * b.lane[0], a.lane[1] * b.lane[1]}}; }
+    static FFT_INLINE Real set(double x) { return {x, x}; }
+    static FFT_INLINE Real add(Real a, Real b) { return {a.low + b.low, a.high + b.high}; }
+    static FFT_INLINE Real sub(Real a, Real b) { return {a.low - b.low, a.high - b.high}; }
+    static FFT_INLINE Real mul(Real a, Real b) { return {a.low * b.low, a.high * b.high}; }
     // a * b + c, a * b - c, c - a * b
     static FFT_INLINE Real mul_add(Real a, Real b, Real c) { return add(mul(a, b), c); }
     static FFT_INLINE Real mul_sub(Real a, Real b, Real c) { return sub(mul(a, b), c); }
     static FFT_INLINE Real neg_mul_add(Real a, Real b, Real c) { return sub(c, mul(a, b)); }
 
     // Lane order reversed.
-    static FFT_INLINE Real reverse(Real x) { return {{x.lane[1], x.lane[0]}}; }
+    static FFT_INLINE Real reverse(Real x) { return {x.high, x.low}; }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
     static FFT_INLINE Real reverse_ranges(Real x) { return x; }
     // Lane 0 of b, the other lanes of a.
-    static FFT_INLINE Real replace_first(Real a, Real b) { return {{b.lane[0], a.lane[1]}}; }
+    static FFT_INLINE Real replace_first(Real a, Real b) { return {b.low, a.high}; }
     static FFT_INLINE void transpose(Real (&x)[2]) {
-        const double t = x[0].lane[1];
-        x[0].lane[1] = x[1].lane[0];
-        x[1].lane[0] = t;
+        const double t = x[0].high;
+        x[0].high = x[1].low;
+        x[1].low = t;
     }
 
     // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
@@ -58,19 +58,17 @@ struct VectorScalar {
         __builtin_memcpy(&r, &x, sizeof r);
         return r;
     }
-    static FFT_INLINE Bits set_bits(std::uint64_t x) { return {{x, x}}; }
-    static FFT_INLINE Bits add(Bits a, Bits b) { return {{a.lane[0] + b.lane[0], a.lane[1] + b.lane[1]}}; }
-    static FFT_INLINE Bits bit_and(Bits a, Bits b) {
-        return {{a.lane[0] & b.lane[0], a.lane[1] & b.lane[1]}};
-    }
-    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return {{a.lane[0] | b.lane[0], a.lane[1] | b.lane[1]}}; }
+    static FFT_INLINE Bits set_bits(std::uint64_t x) { return {x, x}; }
+    static FFT_INLINE Bits add(Bits a, Bits b) { return {a.low + b.low, a.high + b.high}; }
+    static FFT_INLINE Bits bit_and(Bits a, Bits b) { return {a.low & b.low, a.high & b.high}; }
+    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return {a.low | b.low, a.high | b.high}; }
     template <int Count>
     static FFT_INLINE Bits shift_left(Bits a) {
-        return {{a.lane[0] << Count, a.lane[1] << Count}};
+        return {a.low << Count, a.high << Count};
     }
     template <int Count>
     static FFT_INLINE Bits shift_right(Bits a) {
-        return {{a.lane[0] >> Count, a.lane[1] >> Count}};
+        return {a.low >> Count, a.high >> Count};
     }
     static FFT_INLINE void store(std::uint64_t* p, Bits x) { __builtin_memcpy(p, &x, sizeof x); }
     static FFT_INLINE Bits load(const std::uint64_t* p) {
@@ -79,23 +77,18 @@ struct VectorScalar {
         return r;
     }
     static FFT_INLINE void transpose(Bits (&x)[2]) {
-        const std::uint64_t t = x[0].lane[1];
-        x[0].lane[1] = x[1].lane[0];
-        x[1].lane[0] = t;
+        const std::uint64_t t = x[0].high;
+        x[0].high = x[1].low;
+        x[1].low = t;
     }
 
-    // Field `Point` of Width bits in the little-endian bits at `source`, and the second next one, as
-    // doubles less 2^(Width - 1).
-    template <int Width, int Point>
-    static FFT_INLINE Real fields(const unsigned char* source) {
-        return {{field<Width, Point * Width>(source), field<Width, (Point + 2) * Width>(source)}};
-    }
-
-    // Elements [First, First + lanes) of a group of 16 points: the even points and the odd ones.
+    // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
+    // ones, as doubles less 2^(Width - 1).
     template <int Width, int First>
     static FFT_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
-        even = fields<Width, 2 * First>(source);
-        odd = fields<Width, 2 * First + 1>(source);
+        constexpr int position = 2 * First * Width;
+        even = {field<Width, position>(source), field<Width, position + 2 * Width>(source)};
+        odd = {field<Width, position + Width>(source), field<Width, position + 3 * Width>(source)};
     }
 
   private:

@@ -1,7 +1,6 @@
 #include "platform/os/process.h"
 
 #include <fcntl.h>
-#include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -89,27 +88,6 @@ std::string_view system_error_text(std::uint32_t code, std::span<char> buffer) {
 std::string system_error_text(std::uint32_t code) {
     char buffer[256];
     return std::string(system_error_text(code, buffer));
-}
-
-std::uint32_t processor_group_count() {
-    return 1;
-}
-
-std::uint32_t processors_in_group(std::uint32_t group) {
-    if (group != 0) return 0;
-    // The kernel refuses a set smaller than its own.
-    for (int capacity = 1024; capacity <= 1 << 20; capacity *= 2) {
-        cpu_set_t* set = CPU_ALLOC(capacity);
-        if (set == nullptr) break;
-        const std::size_t size = CPU_ALLOC_SIZE(capacity);
-        const bool known = sched_getaffinity(0, size, set) == 0;
-        const int count = known ? CPU_COUNT_S(size, set) : 0;
-        CPU_FREE(set);
-        if (count > 0) return static_cast<std::uint32_t>(count);
-        if (errno != EINVAL) break;
-    }
-    const long online = sysconf(_SC_NPROCESSORS_ONLN);
-    return online > 0 ? static_cast<std::uint32_t>(online) : 1;
 }
 
 }  // namespace qmp::os

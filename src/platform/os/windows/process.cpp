@@ -77,12 +77,4 @@ std::string system_error_text(std::uint32_t code) {
     return std::string(system_error_text(code, buffer));
 }
 
-std::uint32_t processor_group_count() {
-    return GetActiveProcessorGroupCount();
-}
-
-std::uint32_t processors_in_group(std::uint32_t group) {
-    return GetActiveProcessorCount(static_cast<WORD>(group));
-}
-
 }  // namespace qmp::os
