@@ -283,7 +283,7 @@ TEST(DecimalOutputDeathTest, APowerThatStaysWrongIsFatal) {
             Session session = Session::decimal(one_task, 1000);
             session.write_decimal(x.view(), 1000, hooks);
         },
-        "Verification Failed - Reattempting...\nR = .*\nB = .*\n");
+        "Base Conversion Failed: Checksum Mismatch");
 }
 
 TEST(DecimalOutputDeathTest, NumbersOutOfRange) {
