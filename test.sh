@@ -34,7 +34,8 @@ groups=(build tests)
 tools/setup-debian.sh "${groups[@]}" || fail "setting up the machine"
 
 if command -v ccache >/dev/null; then
-  export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  # Hits across clones: paths below the root, and the folder it lies in, make no difference.
+  export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 fi
 
 for preset in "${presets[@]}"; do

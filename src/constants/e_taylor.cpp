@@ -33,13 +33,16 @@ std::uint64_t memory_estimate(const Series_e_Taylor& taylor, std::uint64_t p, st
     const qmp::BsrSizes sizes = BSR_sizes(taylor, s, 1, tasks);
     const std::uint64_t w = sizes.words;
     const std::uint64_t summing = sizes.scratch_bytes + 24 * w;
-    // This figure counts the two parts of the fraction as w bytes each.
+    // This figure counts the two parts of the fraction as w bytes each. It is the figure that screens show;
+    // division_bytes() below is the bound.
     const std::uint64_t dividing =
         8 * s + 2 * (w + 8) + qmp::iPsize(p + 103, tasks) + 8 * qmp::estimated_division_words(s);
-    // What the division really holds: both parts, its result, and its own needs.
-    const std::uint64_t needed =
-        16 * BSR_sizes(taylor, p, 1, tasks).words + 8 * (p + 3) + qmp::divide_bytes(p, tasks);
-    return std::max({summing, dividing, needed});
+    return std::max(summing, dividing);
+}
+
+// What the division really holds: both parts of the fraction, its result, and its own needs.
+std::uint64_t division_bytes(const Series_e_Taylor& taylor, std::uint64_t p, std::uint64_t tasks) {
+    return 16 * BSR_sizes(taylor, p, 1, tasks).words + 8 * (p + 3) + qmp::divide_bytes(p, tasks);
 }
 
 BigFloatView as_float(const ExactFloat& x) {
@@ -51,6 +54,7 @@ BigFloatView as_float(const ExactFloat& x) {
 ETaylor::ETaylor(std::uint64_t precision, std::uint64_t tasks, bool negative)
     : RamComputation(precision, tasks), negative_(negative) {
     memory_estimate_ = kelvara::memory_estimate(series(negative), precision_, tasks_);
+    memory_taken_ = division_bytes(series(negative), precision_, tasks_);
 }
 
 std::uint64_t ETaylor::largest_product() const {

@@ -37,7 +37,7 @@ struct RamSession::Memory {
 };
 
 std::uint64_t RamSession::working_size(const RamComputation& computation) const {
-    return std::max(computation.memory_estimate(),
+    return std::max(computation.working_bytes(),
                     qmp::decimal_output_bytes(settings_.decimal_digits(), settings_.task_decomposition()));
 }
 

@@ -69,6 +69,9 @@ class PlannedConversion {
         return {parallel_, twiddles_.get(), scratch_.data(), scratch_.words()};
     }
 
+    // The transformed powers, the lowest level's first.
+    qmp::Word* tables() { return tables_.data(); }
+
     // The digit words, little-endian, and the guard word in front of them.
     std::vector<qmp::Word> convert(const std::vector<qmp::Word>& fraction, bool sequential = true,
                                    qmp::Progress* progress = nullptr) {

@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "errors/exception.h"
+#include "numbers/check_value.h"
 #include "radix/digit_codecs.h"
+#include "radix/hash.h"
 #include "radix/output_fixture.h"
 #include "radix/thread_per_task.h"
 #include "support/fatal.h"
@@ -227,12 +230,38 @@ TEST(DecimalOutput, AWrongPowerIsSeenAndFormedAgain) {
     EXPECT_EQ(output.messages[3], "Verification Failed - Reattempting...");
 }
 
+// The digit word of weight (10^19)^20 is one too large.
+struct WrongDigit : DecimalOutputHooks {
+    void converted(std::uint64_t, ConvertResult&, Word* digits, std::uint64_t) override { ++digits[20]; }
+};
+
+TEST(DecimalOutput, BothValuesOfAPersistentDisagreement) {
+    // Leaves before the end that the driver has in store.
+    struct LeaveAtTheEnd : SilentProgress {
+        void message(std::string_view text, console::Colour) override {
+            messages.emplace_back(text);
+            if (text.substr(0, 4) == "B = ") throw AlgorithmFailedException("test", "end");
+        }
+        std::vector<std::string> messages;
+    } progress;
+    WrongDigit hooks;
+    const kelvara_test::Twiddles twiddles(decimal_output_largest_product(1000));
+    std::string text;
+    const ComputeContext context{one_task, twiddles.get(), nullptr, &progress};
+    EXPECT_THROW(
+        write_decimal(context, quotient(22, 7, 70).view(), 1000, kelvara_test::recording_sink(text), hooks),
+        AlgorithmFailedException);
+    ASSERT_EQ(progress.messages.size(), 3u);
+    EXPECT_EQ(progress.messages[0], "Verification Failed - Reattempting...");
+    ASSERT_EQ(progress.messages[1].substr(0, 4), "R = ");
+    const std::uint64_t r = std::stoull(progress.messages[1].substr(4));
+    const std::uint64_t b = std::stoull(progress.messages[2].substr(4));
+    EXPECT_EQ(r, check_add(b, pow_mod(decimal_word_radix, 20)));
+}
+
 #if GTEST_HAS_DEATH_TEST
 // Wrong digits that were written are never passed off as right.
 TEST(DecimalOutputDeathTest, WrongDigitsAreFatal) {
-    struct WrongDigit : DecimalOutputHooks {
-        void converted(std::uint64_t, ConvertResult&, Word* digits, std::uint64_t) override { ++digits[20]; }
-    };
     const Number x = quotient(22, 7, 70);
     EXPECT_FATAL(
         {
@@ -241,20 +270,20 @@ TEST(DecimalOutputDeathTest, WrongDigitsAreFatal) {
             session.write_decimal(x.view(), 1000, hooks);
         },
         "Base Conversion Failed: Checksum Mismatch");
-    // The two values, as messages.
-    struct Echo : SilentProgress {
-        void message(std::string_view text, console::Colour) override { console::println(text); }
+}
+
+TEST(DecimalOutputDeathTest, APowerThatStaysWrongIsFatal) {
+    struct WrongPower : DecimalOutputHooks {
+        void powered(std::uint64_t, RadixPower& power) override { power.words[0] ^= 4; }
     };
+    const Number x = quotient(22, 7, 70);
     EXPECT_FATAL(
         {
-            WrongDigit hooks;
-            Echo echo;
-            kelvara_test::Twiddles twiddles(decimal_output_largest_product(1000));
-            std::string text;
-            write_decimal(ComputeContext{one_task, twiddles.get(), nullptr, &echo}, x.view(), 1000,
-                          kelvara_test::recording_sink(text), hooks);
+            WrongPower hooks;
+            Session session = Session::decimal(one_task, 1000);
+            session.write_decimal(x.view(), 1000, hooks);
         },
-        "Verification Failed - Reattempting...\nR = [0-9]+\nB = [0-9]+\n");
+        "Base Conversion Failed: Checksum Mismatch");
 }
 
 TEST(DecimalOutputDeathTest, NumbersOutOfRange) {

@@ -76,10 +76,12 @@ TEST(EventLog, WritesOneLineAnEvent) {
 
 TEST(EventLog, AlsoWritesToAnAttachedFile) {
     kelvara_test::TemporaryFolder folder;
-    EventLog log;
-    log.append("before");
-    log.attach(folder.path("events.txt"));
-    log.append("after");
+    {
+        EventLog log;
+        log.append("before");
+        log.attach(folder.path("events.txt"));
+        log.append("after");
+    }
     std::ifstream file(folder.native("events.txt"), std::ios::binary);
     const std::string written{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     EXPECT_EQ(written.find("before"), std::string::npos);
