@@ -136,7 +136,6 @@ void RamSession::compute_and_write(Memory& memory, const RamComputation& computa
 }
 
 void RamSession::run() {
-    record_.started = qmp::cpu_now();
     const std::unique_ptr<RamComputation> computation =
         settings_.constant().make_ram_computation(settings_.task_decomposition());
     warn_if_memory_is_short(working_size(*computation));
