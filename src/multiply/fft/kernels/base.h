@@ -16,7 +16,7 @@
 namespace {
 
 template <typename V, int R, bool Inverse>
-FFT_INLINE void base_split(double* block, const double* roots) {
+KERNEL_INLINE void base_split(double* block, const double* roots) {
     constexpr int group = 2 * V::lanes;
     Complex<V> x[R];
 #pragma GCC unroll 8
@@ -36,7 +36,7 @@ FFT_INLINE void base_split(double* block, const double* roots) {
 
 // The lanes-by-lanes square of the vectors of one part.
 template <typename V, int R, bool Inverse>
-FFT_INLINE void base_square(double* part) {
+KERNEL_INLINE void base_square(double* part) {
     constexpr int lanes = V::lanes;
     constexpr int stride = 2 * lanes * R;
     typename V::Real re[lanes], im[lanes];

@@ -12,14 +12,14 @@ namespace {
 constexpr double sqrt_half = 0.70710678118654752440;
 
 template <typename V>
-FFT_INLINE void forward_dft2(Complex<V>& a, Complex<V>& b) {
+KERNEL_INLINE void forward_dft2(Complex<V>& a, Complex<V>& b) {
     const Complex<V> t = a - b;
     a = a + b;
     b = t;
 }
 
 template <typename V>
-FFT_INLINE void forward_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Complex<V>& d) {
+KERNEL_INLINE void forward_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Complex<V>& d) {
     const Complex<V> t0 = a + c, t1 = a - c, t2 = b + d, t3 = b - d;
     a = t0 + t2;
     b = t0 - t2;
@@ -28,7 +28,7 @@ FFT_INLINE void forward_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Comple
 }
 
 template <typename V>
-FFT_INLINE void inverse_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Complex<V>& d) {
+KERNEL_INLINE void inverse_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Complex<V>& d) {
     const Complex<V> t0 = a + b, t1 = a - b, t2 = c + d, t3 = c - d;
     a = t0 + t2;
     b = sub_i(t1, t3);
@@ -38,19 +38,19 @@ FFT_INLINE void inverse_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Comple
 
 // x * e^(i pi / 4) and x * e^(-i pi / 4)
 template <typename V>
-FFT_INLINE Complex<V> eighth_turn(Complex<V> x) {
+KERNEL_INLINE Complex<V> eighth_turn(Complex<V> x) {
     const auto h = V::set(sqrt_half);
     return {V::mul(V::sub(x.re, x.im), h), V::mul(V::add(x.re, x.im), h)};
 }
 
 template <typename V>
-FFT_INLINE Complex<V> eighth_turn_back(Complex<V> x) {
+KERNEL_INLINE Complex<V> eighth_turn_back(Complex<V> x) {
     const auto h = V::set(sqrt_half);
     return {V::mul(V::add(x.re, x.im), h), V::mul(V::sub(x.im, x.re), h)};
 }
 
 template <typename V>
-FFT_INLINE void forward_dft8(Complex<V> (&x)[8]) {
+KERNEL_INLINE void forward_dft8(Complex<V> (&x)[8]) {
     Complex<V> e0 = x[0] + x[4], e1 = x[1] + x[5], e2 = x[2] + x[6], e3 = x[3] + x[7];
     Complex<V> o0 = x[0] - x[4], o2 = x[2] - x[6];
     Complex<V> o1 = eighth_turn(x[1] - x[5]);
@@ -65,7 +65,7 @@ FFT_INLINE void forward_dft8(Complex<V> (&x)[8]) {
 }
 
 template <typename V>
-FFT_INLINE void inverse_dft8(Complex<V> (&x)[8]) {
+KERNEL_INLINE void inverse_dft8(Complex<V> (&x)[8]) {
     Complex<V> e0 = x[0], e1 = x[1], e2 = x[2], e3 = x[3];
     inverse_dft4(e0, e1, e2, e3);
     const Complex<V> t0 = x[4] + x[5], t1 = x[6] + x[7], t2 = x[4] - x[5], t3 = x[6] - x[7];
@@ -82,7 +82,7 @@ FFT_INLINE void inverse_dft8(Complex<V> (&x)[8]) {
 
 // The transform of V::lanes numbers.
 template <bool Inverse, typename V>
-FFT_INLINE void dft_lanes(Complex<V> (&x)[V::lanes]) {
+KERNEL_INLINE void dft_lanes(Complex<V> (&x)[V::lanes]) {
     if constexpr (V::lanes == 2) {
         forward_dft2(x[0], x[1]);
     } else if constexpr (V::lanes == 4) {
@@ -125,7 +125,7 @@ struct OddRoots<7> {
 // The transform of R = 3, 5 or 7 numbers: the sums and differences of x[t] and x[R - t] meet the cosines
 // and the sines separately.
 template <int R, bool Inverse, typename V>
-FFT_INLINE void dft_odd(Complex<V> (&x)[R]) {
+KERNEL_INLINE void dft_odd(Complex<V> (&x)[R]) {
     constexpr int half = (R - 1) / 2;
     Complex<V> sum[half], difference[half];
 #pragma GCC unroll 4

@@ -3,7 +3,7 @@
 #pragma GCC diagnostic ignored "-Wuninitialized"
 
 #include "multiply/fft/kernels/kernel_set.h"
-#include "multiply/fft/kernels/vector_avx512.h"
+#include "multiply/vectors/vector_avx512.h"
 
 namespace qmp::fft {
 

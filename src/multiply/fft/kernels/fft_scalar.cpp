@@ -1,5 +1,5 @@
 #include "multiply/fft/kernels/kernel_set.h"
-#include "multiply/fft/kernels/vector_scalar.h"
+#include "multiply/vectors/vector_scalar.h"
 
 namespace qmp::fft {
 

@@ -1,5 +1,5 @@
 #include "multiply/fft/kernels/kernel_set.h"
-#include "multiply/fft/kernels/vector_sse2.h"
+#include "multiply/vectors/vector_sse2.h"
 
 namespace qmp::fft {
 

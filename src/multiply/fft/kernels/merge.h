@@ -31,10 +31,10 @@ class BlockMerger {
           word_(V::set_bits(0)) {}
 
     // `rows[l]`: the 64 coefficients of lane l.
-    FFT_INLINE void run(const double* const (&rows)[lanes]) { take_elements<0>(rows); }
+    KERNEL_INLINE void run(const double* const (&rows)[lanes]) { take_elements<0>(rows); }
 
     // Words of lane l to targets[l], for the lanes below `used`.
-    FFT_INLINE void store_words(std::uint64_t* target, int used) {
+    KERNEL_INLINE void store_words(std::uint64_t* target, int used) {
         for (int i = 0;; i += lanes) {
             // The last square may overlap the one before: the same words twice.
             const int first = i + lanes <= Width ? i : Width - lanes;
@@ -50,7 +50,7 @@ class BlockMerger {
         }
     }
 
-    FFT_INLINE void store_carries(std::uint64_t* target, int used) {
+    KERNEL_INLINE void store_carries(std::uint64_t* target, int used) {
         std::uint64_t carries[lanes];
         V::store(carries, carry_);
         for (int l = 0; l < used; ++l) target[l] = carries[l];
@@ -59,7 +59,7 @@ class BlockMerger {
   private:
     // Elements (pairs of points) First and up, `lanes` of each row at a time.
     template <int First>
-    FFT_INLINE void take_elements(const double* const (&rows)[lanes]) {
+    KERNEL_INLINE void take_elements(const double* const (&rows)[lanes]) {
         if constexpr (First < static_cast<int>(points_per_block / 2)) {
             typename V::Real even[lanes], odd[lanes];
 #pragma GCC unroll 8
@@ -75,7 +75,7 @@ class BlockMerger {
     }
 
     template <int First, int T>
-    FFT_INLINE void take_pairs(const typename V::Real (&even)[lanes], const typename V::Real (&odd)[lanes]) {
+    KERNEL_INLINE void take_pairs(const typename V::Real (&even)[lanes], const typename V::Real (&odd)[lanes]) {
         if constexpr (T < lanes) {
             take<2 * (First + T)>(even[T]);
             take<2 * (First + T) + 1>(odd[T]);
@@ -84,7 +84,7 @@ class BlockMerger {
     }
 
     template <int Point>
-    FFT_UNROLLED void take(typename V::Real value) {
+    KERNEL_UNROLLED void take(typename V::Real value) {
         constexpr int position = Point * Width;
         constexpr int word = position / 64;
         constexpr int offset = position % 64;

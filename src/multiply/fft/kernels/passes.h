@@ -18,14 +18,14 @@
 namespace {
 
 template <typename V>
-FFT_INLINE Complex<V> twiddle(const double* group) {
+KERNEL_INLINE Complex<V> twiddle(const double* group) {
     Complex<V> w;
     V::load_twiddle(group, w.re, w.im);
     return w;
 }
 
 template <typename V>
-FFT_INLINE void two_twiddles(const double* groups, Complex<V>& a, Complex<V>& b) {
+KERNEL_INLINE void two_twiddles(const double* groups, Complex<V>& a, Complex<V>& b) {
     V::load_two_twiddles(groups, a.re, a.im, b.re, b.im);
 }
 

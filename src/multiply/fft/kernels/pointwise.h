@@ -24,12 +24,12 @@ class PointwiseRow {
     static constexpr int lanes = V::lanes;
     static constexpr std::uint64_t doubles = std::uint64_t{2} * R * lanes * lanes;
 
-    static FFT_INLINE std::uint64_t offset(int s, int t) {
+    static KERNEL_INLINE std::uint64_t offset(int s, int t) {
         return static_cast<std::uint64_t>(t * R + s) * (2 * lanes);
     }
 
     // (1 + w) / 4 of vector t, from w / 4 of vector 0.
-    static FFT_INLINE Complex<V> weight(Complex<V> turn, int t) {
+    static KERNEL_INLINE Complex<V> weight(Complex<V> turn, int t) {
         const auto h = V::set(sqrt_half), quarter = V::set(0.25);
         Complex<V> w = turn;
         if (t & 4) w = {V::mul(V::sub(w.re, w.im), h), V::mul(V::add(w.re, w.im), h)};
@@ -44,18 +44,18 @@ class PointwiseRow {
     }
 
     // a - conj(b)
-    static FFT_INLINE Complex<V> less_conjugate(Complex<V> a, Complex<V> b) {
+    static KERNEL_INLINE Complex<V> less_conjugate(Complex<V> a, Complex<V> b) {
         return {V::sub(a.re, b.re), V::add(a.im, b.im)};
     }
 
-    static FFT_INLINE Complex<V> correction(Complex<V> w, Complex<V> a, Complex<V> a_mirror, Complex<V> b,
+    static KERNEL_INLINE Complex<V> correction(Complex<V> w, Complex<V> a, Complex<V> a_mirror, Complex<V> b,
                                             Complex<V> b_mirror) {
         return w * (less_conjugate(a, a_mirror) * less_conjugate(b, b_mirror));
     }
 
     // The vectors (s, t) of a row and their mirror images, in place.
     template <bool Square>
-    static FFT_INLINE void pair(double* a, double* a_mirror, const double* b, const double* b_mirror,
+    static KERNEL_INLINE void pair(double* a, double* a_mirror, const double* b, const double* b_mirror,
                                 Complex<V> w) {
         const Complex<V> x = load_complex<V>(a), x_mirror = reverse_lanes(load_complex<V>(a_mirror));
         const Complex<V> y = Square ? x : load_complex<V>(b);
@@ -68,7 +68,7 @@ class PointwiseRow {
 
     // Rows h < mirror, or h == mirror == 1; `turn` is the row's own e^(2 pi i rev(h) / length).
     template <bool Square>
-    static FFT_INLINE void pair_rows(double* a, const double* b, std::uint64_t h, std::uint64_t mirror,
+    static KERNEL_INLINE void pair_rows(double* a, const double* b, std::uint64_t h, std::uint64_t mirror,
                                      const double* base_turns, Complex<V> turn) {
         double* a_row = a + h * doubles;
         double* a_mirror = a + mirror * doubles;
@@ -114,7 +114,7 @@ class PointwiseRow {
         return t == 0 ? 0 : t == 1 ? 1 : t < 4 ? 5 - t : 11 - t;
     }
 
-    static FFT_INLINE Complex<V> mirrored(const double* row, std::uint64_t offset_mirror,
+    static KERNEL_INLINE Complex<V> mirrored(const double* row, std::uint64_t offset_mirror,
                                           std::uint64_t offset_first) {
         const Complex<V> x = load_complex<V>(row + offset_mirror),
                          first = load_complex<V>(row + offset_first);
@@ -138,7 +138,7 @@ template <typename V, int R, bool Square>
 void pointwise(double* a, const double* b, const double* base_turns, const double* level, int log_rows,
                std::uint64_t begin, std::uint64_t end) {
     using Row = PointwiseRow<V, R>;
-    const auto turn_of = [&](std::uint64_t h) FFT_INLINE_LAMBDA {
+    const auto turn_of = [&](std::uint64_t h) KERNEL_INLINE_LAMBDA {
         const std::uint64_t index = reversed_bits(h, log_rows);
         const double* group = level + (index / 2) * 16 + 8 + index % 2;
         return Complex<V>{V::set(group[0]), V::set(group[2])};

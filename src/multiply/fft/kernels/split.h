@@ -16,7 +16,7 @@ constexpr std::uint64_t points_per_group = 16;
 constexpr std::uint64_t group_window = 64;
 
 template <typename V, int Width, int First>
-FFT_INLINE void split_elements(double* target, const unsigned char* source) {
+KERNEL_INLINE void split_elements(double* target, const unsigned char* source) {
     if constexpr (First < static_cast<int>(points_per_group / 2)) {
         Complex<V> x;
         V::template load_points<Width, First>(source, x.re, x.im);

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "multiply/fft/kernels/inline.h"
+#include "multiply/vectors/inline.h"
 
 namespace {
 
@@ -37,24 +37,24 @@ struct VectorAvx2 {
     using Real = __m256d;
     using Bits = __m256i;
 
-    static FFT_INLINE Real load(const double* p) { return _mm256_loadu_pd(p); }
-    static FFT_INLINE void store(double* p, Real x) { _mm256_storeu_pd(p, x); }
-    static FFT_INLINE Real set(double x) { return _mm256_set1_pd(x); }
-    static FFT_INLINE Real add(Real a, Real b) { return _mm256_add_pd(a, b); }
-    static FFT_INLINE Real sub(Real a, Real b) { return _mm256_sub_pd(a, b); }
-    static FFT_INLINE Real mul(Real a, Real b) { return _mm256_mul_pd(a, b); }
+    static KERNEL_INLINE Real load(const double* p) { return _mm256_loadu_pd(p); }
+    static KERNEL_INLINE void store(double* p, Real x) { _mm256_storeu_pd(p, x); }
+    static KERNEL_INLINE Real set(double x) { return _mm256_set1_pd(x); }
+    static KERNEL_INLINE Real add(Real a, Real b) { return _mm256_add_pd(a, b); }
+    static KERNEL_INLINE Real sub(Real a, Real b) { return _mm256_sub_pd(a, b); }
+    static KERNEL_INLINE Real mul(Real a, Real b) { return _mm256_mul_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
-    static FFT_INLINE Real mul_add(Real a, Real b, Real c) { return _mm256_fmadd_pd(a, b, c); }
-    static FFT_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm256_fmsub_pd(a, b, c); }
-    static FFT_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm256_fnmadd_pd(a, b, c); }
+    static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm256_fmadd_pd(a, b, c); }
+    static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm256_fmsub_pd(a, b, c); }
+    static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm256_fnmadd_pd(a, b, c); }
 
     // Lane order reversed.
-    static FFT_INLINE Real reverse(Real x) { return _mm256_permute4x64_pd(x, 0x1b); }
+    static KERNEL_INLINE Real reverse(Real x) { return _mm256_permute4x64_pd(x, 0x1b); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
-    static FFT_INLINE Real reverse_ranges(Real x) { return _mm256_permute_pd(x, 0x6); }
+    static KERNEL_INLINE Real reverse_ranges(Real x) { return _mm256_permute_pd(x, 0x6); }
     // Lane 0 of b, the other lanes of a.
-    static FFT_INLINE Real replace_first(Real a, Real b) { return _mm256_blend_pd(a, b, 1); }
-    static FFT_INLINE void transpose(Real (&x)[4]) {
+    static KERNEL_INLINE Real replace_first(Real a, Real b) { return _mm256_blend_pd(a, b, 1); }
+    static KERNEL_INLINE void transpose(Real (&x)[4]) {
         const Real a = _mm256_unpacklo_pd(x[0], x[1]);
         const Real b = _mm256_unpackhi_pd(x[0], x[1]);
         const Real c = _mm256_unpacklo_pd(x[2], x[3]);
@@ -67,37 +67,37 @@ struct VectorAvx2 {
 
     // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
     // sines) that lie 16 doubles apart.
-    static FFT_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
+    static KERNEL_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
         const Real a = load(group);
         const Real b = load(group + 16);
         cosine = _mm256_permute2f128_pd(a, b, 0x20);
         sine = _mm256_permute2f128_pd(a, b, 0x31);
     }
-    static FFT_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
         load_twiddle(groups, c0, s0);
         load_twiddle(groups + 4, c1, s1);
     }
 
-    static FFT_INLINE Bits bits(Real x) { return _mm256_castpd_si256(x); }
-    static FFT_INLINE Bits set_bits(std::uint64_t x) { return _mm256_set1_epi64x(static_cast<long long>(x)); }
-    static FFT_INLINE Bits add(Bits a, Bits b) { return _mm256_add_epi64(a, b); }
-    static FFT_INLINE Bits bit_and(Bits a, Bits b) { return _mm256_and_si256(a, b); }
-    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return _mm256_or_si256(a, b); }
+    static KERNEL_INLINE Bits bits(Real x) { return _mm256_castpd_si256(x); }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm256_set1_epi64x(static_cast<long long>(x)); }
+    static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm256_add_epi64(a, b); }
+    static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm256_and_si256(a, b); }
+    static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm256_or_si256(a, b); }
     template <int Count>
-    static FFT_INLINE Bits shift_left(Bits a) {
+    static KERNEL_INLINE Bits shift_left(Bits a) {
         return _mm256_slli_epi64(a, Count);
     }
     template <int Count>
-    static FFT_INLINE Bits shift_right(Bits a) {
+    static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm256_srli_epi64(a, Count);
     }
-    static FFT_INLINE void store(std::uint64_t* p, Bits x) {
+    static KERNEL_INLINE void store(std::uint64_t* p, Bits x) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), x);
     }
-    static FFT_INLINE Bits load(const std::uint64_t* p) {
+    static KERNEL_INLINE Bits load(const std::uint64_t* p) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
     }
-    static FFT_INLINE void transpose(Bits (&x)[4]) {
+    static KERNEL_INLINE void transpose(Bits (&x)[4]) {
         Real y[4];
         for (int i = 0; i < 4; ++i) y[i] = _mm256_castsi256_pd(x[i]);
         transpose(y);
@@ -107,7 +107,7 @@ struct VectorAvx2 {
     // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
     // ones, as doubles less 2^(Width - 1).
     template <int Width, int First>
-    static FFT_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
+    static KERNEL_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
         source += First * 2 * Width / 8;
         const __m128i* low = reinterpret_cast<const __m128i*>(source);
         const __m128i* high = reinterpret_cast<const __m128i*>(source + FieldPickAvx2<Width, 0>::second_half);
@@ -119,7 +119,7 @@ struct VectorAvx2 {
 
   private:
     template <int Width, int Parity>
-    static FFT_INLINE Real fields(Bits raw) {
+    static KERNEL_INLINE Real fields(Bits raw) {
         const auto& pick = field_pick_avx2<Width, Parity>;
         const Bits chosen =
             _mm256_shuffle_epi8(raw, _mm256_load_si256(reinterpret_cast<const __m256i*>(pick.bytes)));

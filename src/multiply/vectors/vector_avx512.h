@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "multiply/fft/kernels/inline.h"
+#include "multiply/vectors/inline.h"
 
 namespace {
 
@@ -35,28 +35,28 @@ struct VectorAvx512 {
     using Real = __m512d;
     using Bits = __m512i;
 
-    static FFT_INLINE Real load(const double* p) { return _mm512_loadu_pd(p); }
-    static FFT_INLINE void store(double* p, Real x) { _mm512_storeu_pd(p, x); }
-    static FFT_INLINE Real set(double x) { return _mm512_set1_pd(x); }
-    static FFT_INLINE Real add(Real a, Real b) { return _mm512_add_pd(a, b); }
-    static FFT_INLINE Real sub(Real a, Real b) { return _mm512_sub_pd(a, b); }
-    static FFT_INLINE Real mul(Real a, Real b) { return _mm512_mul_pd(a, b); }
+    static KERNEL_INLINE Real load(const double* p) { return _mm512_loadu_pd(p); }
+    static KERNEL_INLINE void store(double* p, Real x) { _mm512_storeu_pd(p, x); }
+    static KERNEL_INLINE Real set(double x) { return _mm512_set1_pd(x); }
+    static KERNEL_INLINE Real add(Real a, Real b) { return _mm512_add_pd(a, b); }
+    static KERNEL_INLINE Real sub(Real a, Real b) { return _mm512_sub_pd(a, b); }
+    static KERNEL_INLINE Real mul(Real a, Real b) { return _mm512_mul_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
-    static FFT_INLINE Real mul_add(Real a, Real b, Real c) { return _mm512_fmadd_pd(a, b, c); }
-    static FFT_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
-    static FFT_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm512_fnmadd_pd(a, b, c); }
+    static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm512_fmadd_pd(a, b, c); }
+    static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
+    static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm512_fnmadd_pd(a, b, c); }
 
     // Lane order reversed.
-    static FFT_INLINE Real reverse(Real x) {
+    static KERNEL_INLINE Real reverse(Real x) {
         return _mm512_permutexvar_pd(_mm512_load_si512(reversed_lanes_avx512), x);
     }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
-    static FFT_INLINE Real reverse_ranges(Real x) {
+    static KERNEL_INLINE Real reverse_ranges(Real x) {
         return _mm512_permutexvar_pd(_mm512_load_si512(reversed_ranges_avx512), x);
     }
     // Lane 0 of b, the other lanes of a.
-    static FFT_INLINE Real replace_first(Real a, Real b) { return _mm512_mask_blend_pd(1, a, b); }
-    static FFT_INLINE void transpose(Real (&x)[8]) {
+    static KERNEL_INLINE Real replace_first(Real a, Real b) { return _mm512_mask_blend_pd(1, a, b); }
+    static KERNEL_INLINE void transpose(Real (&x)[8]) {
         const Real a0 = _mm512_unpacklo_pd(x[0], x[1]), a1 = _mm512_unpackhi_pd(x[0], x[1]);
         const Real a2 = _mm512_unpacklo_pd(x[2], x[3]), a3 = _mm512_unpackhi_pd(x[2], x[3]);
         const Real a4 = _mm512_unpacklo_pd(x[4], x[5]), a5 = _mm512_unpackhi_pd(x[4], x[5]);
@@ -67,7 +67,7 @@ struct VectorAvx512 {
 
     // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
     // sines) that lie 16 doubles apart.
-    static FFT_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
+    static KERNEL_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
         const Real ab = _mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_loadu_pd(group)),
                                            _mm256_loadu_pd(group + 16), 1);
         const Real cd = _mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_loadu_pd(group + 32)),
@@ -76,27 +76,27 @@ struct VectorAvx512 {
         sine = _mm512_shuffle_f64x2(ab, cd, 0xdd);
     }
     // Two neighbouring groups at once.
-    static FFT_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
         transpose_pairs(load(groups), load(groups + 16), load(groups + 32), load(groups + 48), c0, s0, c1,
                         s1);
     }
 
-    static FFT_INLINE Bits bits(Real x) { return _mm512_castpd_si512(x); }
-    static FFT_INLINE Bits set_bits(std::uint64_t x) { return _mm512_set1_epi64(static_cast<long long>(x)); }
-    static FFT_INLINE Bits add(Bits a, Bits b) { return _mm512_add_epi64(a, b); }
-    static FFT_INLINE Bits bit_and(Bits a, Bits b) { return _mm512_and_si512(a, b); }
-    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return _mm512_or_si512(a, b); }
+    static KERNEL_INLINE Bits bits(Real x) { return _mm512_castpd_si512(x); }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm512_set1_epi64(static_cast<long long>(x)); }
+    static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm512_add_epi64(a, b); }
+    static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm512_and_si512(a, b); }
+    static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm512_or_si512(a, b); }
     template <int Count>
-    static FFT_INLINE Bits shift_left(Bits a) {
+    static KERNEL_INLINE Bits shift_left(Bits a) {
         return _mm512_slli_epi64(a, Count);
     }
     template <int Count>
-    static FFT_INLINE Bits shift_right(Bits a) {
+    static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm512_srli_epi64(a, Count);
     }
-    static FFT_INLINE void store(std::uint64_t* p, Bits x) { _mm512_storeu_si512(p, x); }
-    static FFT_INLINE Bits load(const std::uint64_t* p) { return _mm512_loadu_si512(p); }
-    static FFT_INLINE void transpose(Bits (&x)[8]) {
+    static KERNEL_INLINE void store(std::uint64_t* p, Bits x) { _mm512_storeu_si512(p, x); }
+    static KERNEL_INLINE Bits load(const std::uint64_t* p) { return _mm512_loadu_si512(p); }
+    static KERNEL_INLINE void transpose(Bits (&x)[8]) {
         Real y[8];
         for (int i = 0; i < 8; ++i) y[i] = _mm512_castsi512_pd(x[i]);
         transpose(y);
@@ -106,7 +106,7 @@ struct VectorAvx512 {
     // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
     // ones, as doubles less 2^(Width - 1).
     template <int Width, int First>
-    static FFT_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
+    static KERNEL_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
         const Bits raw = _mm512_loadu_si512(source);
         even = fields<Width, 0>(raw);
         odd = fields<Width, 1>(raw);
@@ -114,7 +114,7 @@ struct VectorAvx512 {
 
   private:
     // Rows of four 128-bit pieces become columns.
-    static FFT_INLINE void transpose_pairs(Real a, Real b, Real c, Real d, Real& x, Real& y, Real& z,
+    static KERNEL_INLINE void transpose_pairs(Real a, Real b, Real c, Real d, Real& x, Real& y, Real& z,
                                            Real& w) {
         const Real ab_low = _mm512_shuffle_f64x2(a, b, 0x44), ab_high = _mm512_shuffle_f64x2(a, b, 0xee);
         const Real cd_low = _mm512_shuffle_f64x2(c, d, 0x44), cd_high = _mm512_shuffle_f64x2(c, d, 0xee);
@@ -125,7 +125,7 @@ struct VectorAvx512 {
     }
 
     template <int Width, int Parity>
-    static FFT_INLINE Real fields(Bits raw) {
+    static KERNEL_INLINE Real fields(Bits raw) {
         const auto& pick = field_pick_avx512<Width, Parity>;
         const Bits chosen = _mm512_permutexvar_epi16(_mm512_load_si512(pick.units), raw);
         const Bits shifted = _mm512_srlv_epi64(chosen, _mm512_load_si512(pick.shifts));

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "multiply/fft/kernels/inline.h"
+#include "multiply/vectors/inline.h"
 
 namespace {
 
@@ -14,24 +14,24 @@ struct VectorSse2 {
     using Real = __m128d;
     using Bits = __m128i;
 
-    static FFT_INLINE Real load(const double* p) { return _mm_loadu_pd(p); }
-    static FFT_INLINE void store(double* p, Real x) { _mm_storeu_pd(p, x); }
-    static FFT_INLINE Real set(double x) { return _mm_set1_pd(x); }
-    static FFT_INLINE Real add(Real a, Real b) { return _mm_add_pd(a, b); }
-    static FFT_INLINE Real sub(Real a, Real b) { return _mm_sub_pd(a, b); }
-    static FFT_INLINE Real mul(Real a, Real b) { return _mm_mul_pd(a, b); }
+    static KERNEL_INLINE Real load(const double* p) { return _mm_loadu_pd(p); }
+    static KERNEL_INLINE void store(double* p, Real x) { _mm_storeu_pd(p, x); }
+    static KERNEL_INLINE Real set(double x) { return _mm_set1_pd(x); }
+    static KERNEL_INLINE Real add(Real a, Real b) { return _mm_add_pd(a, b); }
+    static KERNEL_INLINE Real sub(Real a, Real b) { return _mm_sub_pd(a, b); }
+    static KERNEL_INLINE Real mul(Real a, Real b) { return _mm_mul_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
-    static FFT_INLINE Real mul_add(Real a, Real b, Real c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
-    static FFT_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_sub_pd(_mm_mul_pd(a, b), c); }
-    static FFT_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm_sub_pd(c, _mm_mul_pd(a, b)); }
+    static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
+    static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_sub_pd(_mm_mul_pd(a, b), c); }
+    static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm_sub_pd(c, _mm_mul_pd(a, b)); }
 
     // Lane order reversed.
-    static FFT_INLINE Real reverse(Real x) { return _mm_shuffle_pd(x, x, 1); }
+    static KERNEL_INLINE Real reverse(Real x) { return _mm_shuffle_pd(x, x, 1); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
-    static FFT_INLINE Real reverse_ranges(Real x) { return x; }
+    static KERNEL_INLINE Real reverse_ranges(Real x) { return x; }
     // Lane 0 of b, the other lanes of a.
-    static FFT_INLINE Real replace_first(Real a, Real b) { return _mm_move_sd(a, b); }
-    static FFT_INLINE void transpose(Real (&x)[2]) {
+    static KERNEL_INLINE Real replace_first(Real a, Real b) { return _mm_move_sd(a, b); }
+    static KERNEL_INLINE void transpose(Real (&x)[2]) {
         const Real t = _mm_unpacklo_pd(x[0], x[1]);
         x[1] = _mm_unpackhi_pd(x[0], x[1]);
         x[0] = t;
@@ -39,35 +39,35 @@ struct VectorSse2 {
 
     // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
     // sines) that lie 16 doubles apart.
-    static FFT_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
+    static KERNEL_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
         cosine = load(group);
         sine = load(group + 2);
     }
-    static FFT_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
         load_twiddle(groups, c0, s0);
         load_twiddle(groups + 4, c1, s1);
     }
 
-    static FFT_INLINE Bits bits(Real x) { return _mm_castpd_si128(x); }
-    static FFT_INLINE Bits set_bits(std::uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
-    static FFT_INLINE Bits add(Bits a, Bits b) { return _mm_add_epi64(a, b); }
-    static FFT_INLINE Bits bit_and(Bits a, Bits b) { return _mm_and_si128(a, b); }
-    static FFT_INLINE Bits bit_or(Bits a, Bits b) { return _mm_or_si128(a, b); }
+    static KERNEL_INLINE Bits bits(Real x) { return _mm_castpd_si128(x); }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
+    static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm_add_epi64(a, b); }
+    static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm_and_si128(a, b); }
+    static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm_or_si128(a, b); }
     template <int Count>
-    static FFT_INLINE Bits shift_left(Bits a) {
+    static KERNEL_INLINE Bits shift_left(Bits a) {
         return _mm_slli_epi64(a, Count);
     }
     template <int Count>
-    static FFT_INLINE Bits shift_right(Bits a) {
+    static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm_srli_epi64(a, Count);
     }
-    static FFT_INLINE void store(std::uint64_t* p, Bits x) {
+    static KERNEL_INLINE void store(std::uint64_t* p, Bits x) {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(p), x);
     }
-    static FFT_INLINE Bits load(const std::uint64_t* p) {
+    static KERNEL_INLINE Bits load(const std::uint64_t* p) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     }
-    static FFT_INLINE void transpose(Bits (&x)[2]) {
+    static KERNEL_INLINE void transpose(Bits (&x)[2]) {
         const Bits t = _mm_unpacklo_epi64(x[0], x[1]);
         x[1] = _mm_unpackhi_epi64(x[0], x[1]);
         x[0] = t;
@@ -76,7 +76,7 @@ struct VectorSse2 {
     // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
     // ones, as doubles less 2^(Width - 1).
     template <int Width, int First>
-    static FFT_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
+    static KERNEL_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
         constexpr int position = 2 * First * Width;
         const Real offset = set(0x1p52 + static_cast<double>(1 << (Width - 1)));
         even = sub(fields<Width, position, position + 2 * Width>(source), offset);
@@ -86,7 +86,7 @@ struct VectorSse2 {
   private:
     // Two fields as the low mantissa bits of 2^52.
     template <int Width, int PositionA, int PositionB>
-    static FFT_INLINE Real fields(const unsigned char* source) {
+    static KERNEL_INLINE Real fields(const unsigned char* source) {
         const Bits low = shift_right<PositionA % 8>(
             _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + PositionA / 8)));
         const Bits high = shift_right<PositionB % 8>(

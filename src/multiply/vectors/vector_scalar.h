@@ -1,0 +1,104 @@
+// Two lanes of plain doubles: the level that needs no instruction set and that every other is compared with.
+#pragma once
+
+#include <cstdint>
+
+#include "multiply/vectors/inline.h"
+
+namespace {
+
+struct VectorScalar {
+    static constexpr int lanes = 2;
+    struct Real {
+        double low, high;
+    };
+    struct Bits {
+        std::uint64_t low, high;
+    };
+
+    static KERNEL_INLINE Real load(const double* p) { return {p[0], p[1]}; }
+    static KERNEL_INLINE void store(double* p, Real x) {
+        p[0] = x.low;
+        p[1] = x.high;
+    }
+    static KERNEL_INLINE Real set(double x) { return {x, x}; }
+    static KERNEL_INLINE Real add(Real a, Real b) { return {a.low + b.low, a.high + b.high}; }
+    static KERNEL_INLINE Real sub(Real a, Real b) { return {a.low - b.low, a.high - b.high}; }
+    static KERNEL_INLINE Real mul(Real a, Real b) { return {a.low * b.low, a.high * b.high}; }
+    // a * b + c, a * b - c, c - a * b
+    static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return add(mul(a, b), c); }
+    static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return sub(mul(a, b), c); }
+    static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return sub(c, mul(a, b)); }
+
+    // Lane order reversed.
+    static KERNEL_INLINE Real reverse(Real x) { return {x.high, x.low}; }
+    // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
+    static KERNEL_INLINE Real reverse_ranges(Real x) { return x; }
+    // Lane 0 of b, the other lanes of a.
+    static KERNEL_INLINE Real replace_first(Real a, Real b) { return {b.low, a.high}; }
+    static KERNEL_INLINE void transpose(Real (&x)[2]) {
+        const double t = x[0].high;
+        x[0].high = x[1].low;
+        x[1].low = t;
+    }
+
+    // The twiddle factors of `lanes` successive indices, from groups of four doubles (two cosines, two
+    // sines) that lie 16 doubles apart.
+    static KERNEL_INLINE void load_twiddle(const double* group, Real& cosine, Real& sine) {
+        cosine = load(group);
+        sine = load(group + 2);
+    }
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+        load_twiddle(groups, c0, s0);
+        load_twiddle(groups + 4, c1, s1);
+    }
+
+    static KERNEL_INLINE Bits bits(Real x) {
+        Bits r;
+        __builtin_memcpy(&r, &x, sizeof r);
+        return r;
+    }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return {x, x}; }
+    static KERNEL_INLINE Bits add(Bits a, Bits b) { return {a.low + b.low, a.high + b.high}; }
+    static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return {a.low & b.low, a.high & b.high}; }
+    static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return {a.low | b.low, a.high | b.high}; }
+    template <int Count>
+    static KERNEL_INLINE Bits shift_left(Bits a) {
+        return {a.low << Count, a.high << Count};
+    }
+    template <int Count>
+    static KERNEL_INLINE Bits shift_right(Bits a) {
+        return {a.low >> Count, a.high >> Count};
+    }
+    static KERNEL_INLINE void store(std::uint64_t* p, Bits x) { __builtin_memcpy(p, &x, sizeof x); }
+    static KERNEL_INLINE Bits load(const std::uint64_t* p) {
+        Bits r;
+        __builtin_memcpy(&r, p, sizeof r);
+        return r;
+    }
+    static KERNEL_INLINE void transpose(Bits (&x)[2]) {
+        const std::uint64_t t = x[0].high;
+        x[0].high = x[1].low;
+        x[1].low = t;
+    }
+
+    // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
+    // ones, as doubles less 2^(Width - 1).
+    template <int Width, int First>
+    static KERNEL_INLINE void load_points(const unsigned char* source, Real& even, Real& odd) {
+        constexpr int position = 2 * First * Width;
+        even = {field<Width, position>(source), field<Width, position + 2 * Width>(source)};
+        odd = {field<Width, position + Width>(source), field<Width, position + 3 * Width>(source)};
+    }
+
+  private:
+    template <int Width, int Position>
+    static KERNEL_INLINE double field(const unsigned char* source) {
+        std::uint64_t word;
+        __builtin_memcpy(&word, source + Position / 8, sizeof word);
+        word = (word >> (Position % 8)) & ((std::uint64_t{1} << Width) - 1);
+        return static_cast<double>(static_cast<std::int64_t>(word) - (std::int64_t{1} << (Width - 1)));
+    }
+};
+
+}  // namespace
