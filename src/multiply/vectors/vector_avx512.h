@@ -113,6 +113,9 @@ struct VectorAvx512 {
     static KERNEL_INLINE Bits mul(Bits a, Bits b) { return _mm512_mullo_epi64(a, b); }
     // Integers in doubles to integers.
     static KERNEL_INLINE Bits to_integers(Real x) { return _mm512_cvtpd_epi64(x); }
+    // Fixes where a value is computed: compilers otherwise put off sums until registers run out.
+    static KERNEL_INLINE void pin(Real& x) { asm("" : "+v"(x)); }
+    static KERNEL_INLINE void pin(Bits& x) { asm("" : "+v"(x)); }
     // Whether any bit of x is also one of mask.
     static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm512_test_epi64_mask(x, mask) != 0; }
     // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.

@@ -78,6 +78,9 @@ struct VectorScalar {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return {a.low >> Count, a.high >> Count};
     }
+    // Fixes where a value is computed: compilers otherwise put off sums until registers run out.
+    static KERNEL_INLINE void pin(Real&) {}
+    static KERNEL_INLINE void pin(Bits&) {}
     // Whether any bit of x is also one of mask.
     static KERNEL_INLINE bool any(Bits x, Bits mask) {
         return ((x.low & mask.low) | (x.high & mask.high)) != 0;

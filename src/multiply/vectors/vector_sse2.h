@@ -69,6 +69,9 @@ struct VectorSse2 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm_srli_epi64(a, Count);
     }
+    // Fixes where a value is computed: compilers otherwise put off sums until registers run out.
+    static KERNEL_INLINE void pin(Real& x) { asm("" : "+x"(x)); }
+    static KERNEL_INLINE void pin(Bits& x) { asm("" : "+x"(x)); }
     // Whether any bit of x is also one of mask.
     static KERNEL_INLINE bool any(Bits x, Bits mask) {
         return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(x, mask), _mm_setzero_si128())) != 0xffff;

@@ -122,6 +122,7 @@ class DoubleLimbs {
                 const Real cofactor = V::set(constants.cofactor[i][First + g]);
                 const Real next = V::mul_add(t[i], cofactor, sum[g]);
                 rest[g] = V::add(rest[g], V::mul_sub(t[i], cofactor, V::sub(next, sum[g])));
+                V::pin(rest[g]);
                 sum[g] = next;
             }
         }

@@ -10,7 +10,6 @@
 #include <cstdint>
 
 #include "multiply/vectors/inline.h"
-#include "multiply/vst/kernels/double_limbs.h"
 #include "multiply/vst/kernels/kernels.h"
 
 namespace {
@@ -47,83 +46,85 @@ class IntegerLimbs {
     static KERNEL_INLINE void form(const qmp::vst::MergeConstants& constants, const double* residues,
                                    std::uint64_t prime_stride, Bits (&low)[piece], Bits (&middle)[piece],
                                    Bits& high) {
-        Real t[Primes];
-        const Real turns = V::round(DoubleLimbs<V, Primes>::balance(constants, residues, prime_stride, t));
-        Bits integer[Primes];
+        Sums sums;
 #pragma GCC unroll 16
-        for (std::uint32_t i = 0; i < Primes; ++i) integer[i] = V::to_integers(t[i]);
-        const Factors factors{t, integer, turns, V::to_integers(turns)};
-        Bits upper;
-        form_group<0>(constants, factors, low, middle, upper);
-
-        constexpr std::uint32_t topmost = 2 * piece;
-        high = V::add(upper, V::set_bits(0 - pattern));
+        for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
+            if (limb < topmost) sums.upper[limb] = V::set(magic);
+            // The bias of the upper part of the limb below is taken off beforehand.
+            sums.lowest[limb] = V::set_bits(limb == 0 ? 0 : 0 - pattern);
+        }
+        Real t[Primes];
+        Real turns = V::set(0);
 #pragma GCC unroll 16
         for (std::uint32_t i = 0; i < Primes; ++i) {
-            high = V::add(high, V::mul(integer[i], V::set_bits(constants.wide_cofactor[i][topmost])));
+            const Real x = V::load(residues + i * prime_stride);
+            const Real inverse = V::set(constants.inverse[i]);
+            t[i] = V::neg_mul_add(V::round(V::mul(x, inverse)), V::set(constants.prime[i]), x);
+            V::pin(t[i]);
+            turns = i == 0 ? V::mul(t[i], inverse) : V::mul_add(t[i], inverse, turns);
+            V::pin(turns);
         }
-        high = V::sub(high, V::mul(factors.integer_turns, V::set_bits(constants.wide_product[topmost])));
+#pragma GCC unroll 16
+        for (std::uint32_t i = 0; i < Primes; ++i) add_products(constants, i, t[i], sums);
+        subtract_turns(constants, V::round(turns), sums);
+
+#pragma GCC unroll 16
+        for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
+            Bits value = sums.lowest[limb];
+            // The magic number's bits leave the word.
+            if (limb < topmost)
+                value = V::sub(value, V::template shift_left<wide_width>(V::bits(sums.upper[limb])));
+            if (limb > 0) value = V::add(value, V::bits(sums.upper[limb - 1]));
+            (limb < piece ? low[limb] : limb < topmost ? middle[limb - piece] : high) = value;
+        }
     }
 
   private:
-    static constexpr std::uint32_t group = Primes == 9 ? 2 : 3;
-
+    static constexpr std::uint32_t topmost = 2 * piece;
+    static constexpr int wide_width = static_cast<int>(qmp::vst::wide_limb_width(Primes));
     // 1.5 * 2^(52 + width), whose last bit is worth one of the next limb, and its bit pattern.
-    static constexpr double magic =
-        0x1.8p52 * static_cast<double>(std::uint64_t{1} << qmp::vst::wide_limb_width(Primes));
-    static constexpr std::uint64_t pattern =
-        (std::uint64_t{0x3ff + 52} + qmp::vst::wide_limb_width(Primes)) << 52 | std::uint64_t{1} << 51;
+    static constexpr double magic = 0x1.8p52 * static_cast<double>(std::uint64_t{1} << wide_width);
+    static constexpr std::uint64_t pattern = std::uint64_t{0x3ff + 52 + wide_width} << 52 | std::uint64_t{1}
+                                                                                                << 51;
     // The multiple of P goes into the upper parts, too, where otherwise two limbs could exceed 63 bits.
-    static constexpr bool turns_inside = qmp::vst::wide_limb_width(Primes) == 60;
+    static constexpr bool turns_inside = wide_width == 60;
 
-    struct Factors {
-        const Real (&t)[Primes];
-        const Bits (&integer)[Primes];
-        Real turns;
-        Bits integer_turns;
+    // All limbs at once: there are registers for them.
+    struct Sums {
+        Real upper[topmost];
+        Bits lowest[topmost + 1];
     };
 
-    // Limbs First and up of the two lower pieces. `upper`: the upper part of the limb before, biased.
-    template <std::uint32_t First>
-    static KERNEL_INLINE void form_group(const qmp::vst::MergeConstants& constants, const Factors& factors,
-                                         Bits (&low)[piece], Bits (&middle)[piece], Bits& upper) {
-        constexpr std::uint32_t count = 2 * piece - First < group ? 2 * piece - First : group;
-        Real sum[count];
-        Bits lowest[count];
-#pragma GCC unroll 4
-        for (std::uint32_t g = 0; g < count; ++g) {
-            sum[g] = V::set(magic);
-            lowest[g] = V::set_bits(First + g == 0 ? 0 : 0 - pattern);  // the bias of `upper`
-        }
+    static KERNEL_INLINE void add_products(const qmp::vst::MergeConstants& constants, std::uint32_t i, Real t,
+                                           Sums& sums) {
+        const Bits integer = V::to_integers(t);
 #pragma GCC unroll 16
-        for (std::uint32_t i = 0; i < Primes; ++i) {
-#pragma GCC unroll 4
-            for (std::uint32_t g = 0; g < count; ++g) {
-                const Bits cofactor = V::set_bits(constants.wide_cofactor[i][First + g]);
-                sum[g] =
-                    V::mul_add(factors.t[i], V::set(constants.wide_cofactor_rounded[i][First + g]), sum[g]);
-                lowest[g] = V::add(lowest[g], V::mul(factors.integer[i], cofactor));
+        for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
+            if (limb < topmost) {
+                const Real rounded = V::set(constants.wide_cofactor_rounded[i][limb]);
+                sums.upper[limb] = V::mul_add(t, rounded, sums.upper[limb]);
+                V::pin(sums.upper[limb]);
             }
-        }
-#pragma GCC unroll 4
-        for (std::uint32_t g = 0; g < count; ++g) {
-            const std::uint32_t limb = First + g;
-            if (turns_inside) {
-                sum[g] = V::neg_mul_add(factors.turns, V::set(constants.wide_product_rounded[limb]), sum[g]);
-            }
-            lowest[g] =
-                V::sub(lowest[g], V::mul(factors.integer_turns, V::set_bits(constants.wide_product[limb])));
-            // The magic number's bits leave the word.
-            Bits value = V::sub(lowest[g], V::template shift_left<wide_width>(V::bits(sum[g])));
-            if (limb > 0) value = V::add(value, upper);
-            upper = V::bits(sum[g]);
-            (limb < piece ? low[limb] : middle[limb - piece]) = value;
-        }
-        if constexpr (First + count < 2 * piece) {
-            form_group<First + count>(constants, factors, low, middle, upper);
+            const Bits cofactor = V::set_bits(constants.wide_cofactor[i][limb]);
+            sums.lowest[limb] = V::add(sums.lowest[limb], V::mul(integer, cofactor));
+            V::pin(sums.lowest[limb]);
         }
     }
-    static constexpr int wide_width = static_cast<int>(qmp::vst::wide_limb_width(Primes));
+
+    static KERNEL_INLINE void subtract_turns(const qmp::vst::MergeConstants& constants, Real turns,
+                                             Sums& sums) {
+        const Bits integer = V::to_integers(turns);
+#pragma GCC unroll 16
+        for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
+            if (turns_inside && limb < topmost) {
+                const Real rounded = V::set(constants.wide_product_rounded[limb]);
+                sums.upper[limb] = V::neg_mul_add(turns, rounded, sums.upper[limb]);
+            }
+            const Bits product = V::set_bits(constants.wide_product[limb]);
+            sums.lowest[limb] = V::sub(sums.lowest[limb], V::mul(integer, product));
+            V::pin(sums.lowest[limb]);
+        }
+    }
 };
 
 }  // namespace
