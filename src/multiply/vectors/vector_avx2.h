@@ -48,6 +48,11 @@ struct VectorAvx2 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm256_fmsub_pd(a, b, c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm256_fnmadd_pd(a, b, c); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        return _mm256_round_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm256_permute4x64_pd(x, 0x1b); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.

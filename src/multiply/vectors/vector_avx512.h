@@ -46,6 +46,11 @@ struct VectorAvx512 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm512_fnmadd_pd(a, b, c); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        return _mm512_roundscale_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) {
         return _mm512_permutexvar_pd(_mm512_load_si512(reversed_lanes_avx512), x);

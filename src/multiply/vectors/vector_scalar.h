@@ -30,6 +30,12 @@ struct VectorScalar {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return sub(mul(a, b), c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return sub(c, mul(a, b)); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        const Real unit = {__builtin_copysign(0x1p52, x.low), __builtin_copysign(0x1p52, x.high)};
+        return sub(add(x, unit), unit);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return {x.high, x.low}; }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.

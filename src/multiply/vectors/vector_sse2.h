@@ -25,6 +25,12 @@ struct VectorSse2 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_sub_pd(_mm_mul_pd(a, b), c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm_sub_pd(c, _mm_mul_pd(a, b)); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        const Real unit = _mm_or_pd(_mm_and_pd(x, _mm_set1_pd(-0.0)), _mm_set1_pd(0x1p52));
+        return _mm_sub_pd(_mm_add_pd(x, unit), unit);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm_shuffle_pd(x, x, 1); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
