@@ -15,13 +15,14 @@
 namespace qmp {
 
 class TwiddleSet {
- public:
+  public:
     // Longest products, in words, that the tables of algorithms give to the floating-point transform.
     static constexpr std::uint64_t fft_product_words = 10240;
 
     // Bytes of table memory for products of up to `product_words` words; 0 when none needs a table. Tables of
     // the floating-point transform reach up to `fft_words` only.
-    static std::uint64_t bytes_needed(std::uint64_t product_words, std::uint64_t fft_words = fft_product_words);
+    static std::uint64_t bytes_needed(std::uint64_t product_words,
+                                      std::uint64_t fft_words = fft_product_words);
 
     // `memory` is 64-byte aligned, holds bytes_needed(product_words, fft_words) bytes and outlives the set.
     TwiddleSet(void* memory, std::uint64_t bytes, std::uint64_t product_words, ParallelContext parallel,
@@ -34,7 +35,7 @@ class TwiddleSet {
     // The vector transform's tables of a length multiplier, or null.
     const vst::ColumnTables* columns(std::uint32_t multiplier) const;
 
- private:
+  private:
     std::uint64_t largest_product_;
     std::array<fft::TwiddleTable, 4> tables_;  // r = 1, 3, 5, 7
     std::array<bool, 4> built_{};

@@ -16,7 +16,7 @@
 namespace qmp::vst {
 
 class ColumnTables {
- public:
+  public:
     // Of subtrees of up to `layers` layers.
     static std::uint64_t doubles(std::uint32_t multiplier, int layers);
 
@@ -29,7 +29,7 @@ class ColumnTables {
     // prime below most_primes, subtree below the multiplier.
     NodeFactors factors(std::uint32_t prime, bool negacyclic, std::uint32_t subtree, bool inverse) const;
 
- private:
+  private:
     double* at(std::uint32_t prime, bool negacyclic, std::uint32_t subtree, bool inverse) const;
 
     std::uint32_t multiplier_ = 0;

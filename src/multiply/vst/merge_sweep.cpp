@@ -48,16 +48,16 @@ double Transform::merge_tile(const Window& window, const double* matrix, std::ui
     for (std::uint32_t prime = 0; prime < primes; ++prime) {
         const PrimeModulus& modulus = constants(prime).modulus;
         double* buffer = workspace + prime * plan_.tile_doubles();
-        kernels_.load_tile(buffer, matrix + prime * plan_.prime_stride + tile * tile_columns, plan_.row_stride,
-                           plan_.rows);
+        kernels_.load_tile(buffer, matrix + prime * plan_.prime_stride + tile * tile_columns,
+                           plan_.row_stride, plan_.rows);
         for (std::uint32_t s = 0; s < plan_.multiplier(); ++s) {
             const bool trivial = plan_.multiplier() == 1 && !negacyclic_;
             const NodeFactors factors = tables_->factors(prime, negacyclic_, s, true);
-            kernels_.inverse_layers(buffer + s * subtree, {tile_columns, plan_.column_layers, factors, trivial},
-                                    modulus);
+            kernels_.inverse_layers(buffer + s * subtree,
+                                    {tile_columns, plan_.column_layers, factors, trivial}, modulus);
         }
-        kernels_.inverse_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer, negacyclic_,
-                                                             modulus);
+        kernels_.inverse_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer,
+                                                             negacyclic_, modulus);
     }
 
     // Rows that lie in the window as a whole go straight to it.
@@ -95,7 +95,8 @@ double Transform::merge_tile(const Window& window, const double* matrix, std::ui
 
 // Returns the carry out of the window's end (-1, 0 or 1), and in `top` what the convolution's last segment
 // leaves above it.
-std::int64_t Transform::merge_window(const Window& window, const double* matrix, std::uint64_t (&top)[4]) const {
+std::int64_t Transform::merge_window(const Window& window, const double* matrix,
+                                     std::uint64_t (&top)[4]) const {
     double largest_of_task[64] = {};
     const std::uint64_t words = plan_.workspace_words();
     for_units(plan_.tiles(), [&](double* workspace, std::uint64_t begin, std::uint64_t end) {
@@ -148,7 +149,8 @@ std::int64_t Transform::merge_window(const Window& window, const double* matrix,
     return carry;
 }
 
-void Transform::merge(unsigned char* destination, std::uint64_t first, std::uint64_t end, double* matrix) const {
+void Transform::merge(unsigned char* destination, std::uint64_t first, std::uint64_t end,
+                      double* matrix) const {
     if (first >= end) return;
     const Window window(plan_, destination, first, end);
     std::uint64_t top[spill_words];

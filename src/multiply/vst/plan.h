@@ -19,13 +19,13 @@ struct Plan {
     explicit Plan(const SizeParams& params);
 
     SizeParams size;
-    int column_layers;          // k
-    int row_layers;             // log2 of a row's points
-    int leaf_layers;            // log2 of a leaf's points
-    std::uint64_t rows;         // m * 2^k
-    std::uint64_t columns;      // 2^(e-k)
-    std::uint64_t row_stride;   // in doubles: a row and a little, so that columns spread over the cache
-    std::uint64_t prime_stride; // in doubles: one matrix
+    int column_layers;           // k
+    int row_layers;              // log2 of a row's points
+    int leaf_layers;             // log2 of a leaf's points
+    std::uint64_t rows;          // m * 2^k
+    std::uint64_t columns;       // 2^(e-k)
+    std::uint64_t row_stride;    // in doubles: a row and a little, so that columns spread over the cache
+    std::uint64_t prime_stride;  // in doubles: one matrix
     std::uint64_t point_bytes;
 
     std::uint32_t primes() const { return size.primes; }
@@ -46,9 +46,7 @@ struct Plan {
     std::uint64_t row_roots_doubles() const;  // both directions
     std::uint64_t leaf_roots_doubles() const;
     std::uint64_t spills_words() const;
-    std::uint64_t shared_words() const {
-        return row_roots_doubles() + leaf_roots_doubles() + spills_words();
-    }
+    std::uint64_t shared_words() const { return row_roots_doubles() + leaf_roots_doubles() + spills_words(); }
     std::uint64_t workspace_words() const;
     std::uint64_t scratch_words(std::uint64_t tasks) const {
         return shared_words() + workspaces(tasks) * workspace_words();

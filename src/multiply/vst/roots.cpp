@@ -125,9 +125,12 @@ const LeafSet& leaf_set() {
 template <std::uint32_t Multiplier>
 const LeafSet& leaf_set_of(int log_lanes) {
     switch (log_lanes) {
-        case 1: return leaf_set<Multiplier, 1>();
-        case 2: return leaf_set<Multiplier, 2>();
-        default: return leaf_set<Multiplier, 3>();
+        case 1:
+            return leaf_set<Multiplier, 1>();
+        case 2:
+            return leaf_set<Multiplier, 2>();
+        default:
+            return leaf_set<Multiplier, 3>();
     }
 }
 
@@ -136,8 +139,8 @@ const LeafSet& leaf_set_of(int log_lanes) {
 std::uint64_t multiply_modulo(std::uint64_t a, std::uint64_t b, std::uint64_t p) {
     __extension__ using Wide = unsigned __int128;
     // The quotient by floating point is right but for a few units.
-    const auto quotient = static_cast<std::uint64_t>(static_cast<double>(a) * static_cast<double>(b) /
-                                                     static_cast<double>(p));
+    const auto quotient =
+        static_cast<std::uint64_t>(static_cast<double>(a) * static_cast<double>(b) / static_cast<double>(p));
     auto rest = static_cast<std::int64_t>(static_cast<std::uint64_t>(Wide{a} * b - Wide{quotient} * p));
     while (rest < 0) rest += static_cast<std::int64_t>(p);
     while (rest >= static_cast<std::int64_t>(p)) rest -= static_cast<std::int64_t>(p);
@@ -171,10 +174,14 @@ std::uint64_t root_of_unity(const Prime& prime, std::uint64_t numerator, std::ui
 
 const PrimeConstants& prime_constants(std::uint32_t multiplier, std::uint32_t prime) {
     switch (multiplier) {
-        case 1: return constants_of_multiplier<1>()[prime];
-        case 3: return constants_of_multiplier<3>()[prime];
-        case 5: return constants_of_multiplier<5>()[prime];
-        default: return constants_of_multiplier<7>()[prime];
+        case 1:
+            return constants_of_multiplier<1>()[prime];
+        case 3:
+            return constants_of_multiplier<3>()[prime];
+        case 5:
+            return constants_of_multiplier<5>()[prime];
+        default:
+            return constants_of_multiplier<7>()[prime];
     }
 }
 

@@ -15,12 +15,12 @@ std::uint64_t residue(double x, std::uint64_t p) {
 // The numbers that make a group of rows' factors, in one direction.
 struct Transform::LeafRoots {
     LeafBase base;
-    double* table;         // of the leaf at work
-    double* values;        // of the row's layers above its leaves, and
+    double* table;   // of the leaf at work
+    double* values;  // of the row's layers above its leaves, and
     double* quotients;
-    double* numbers;       // of every leaf of the group: e(a / its length), a the leaf's angle
-    double* powers;        // those squared again and again
-    std::uint64_t count;   // of leaves, a multiple of 8
+    double* numbers;      // of every leaf of the group: e(a / its length), a the leaf's angle
+    double* powers;       // those squared again and again
+    std::uint64_t count;  // of leaves, a multiple of 8
 
     // `next` is moved behind what is taken.
     LeafRoots(const Plan& plan, double*& next)

@@ -7,7 +7,8 @@
 namespace qmp::vst {
 
 // number[at .. end) += carry, carry -1, 0 or 1. Returns what goes out at the end.
-inline std::int64_t add_carry(unsigned char* number, std::uint64_t end, std::uint64_t at, std::int64_t carry) {
+inline std::int64_t add_carry(unsigned char* number, std::uint64_t end, std::uint64_t at,
+                              std::int64_t carry) {
     for (; carry != 0 && at + 8 <= end; at += 8) {
         std::uint64_t word;
         std::memcpy(&word, number + at, 8);

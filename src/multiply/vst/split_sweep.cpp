@@ -12,7 +12,8 @@ constexpr std::uint64_t cached_bytes = std::uint64_t{24} << 20;
 
 void Transform::split(double* matrix, const void* operand, std::uint64_t bytes) const {
     for_units(plan_.tiles(), [&](double* workspace, std::uint64_t begin, std::uint64_t end) {
-        for (std::uint64_t tile = begin; tile < end; ++tile) split_tile(matrix, operand, bytes, tile, workspace);
+        for (std::uint64_t tile = begin; tile < end; ++tile)
+            split_tile(matrix, operand, bytes, tile, workspace);
     });
 }
 
@@ -40,8 +41,8 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
     double* buffer = workspace;
     double* chunks = workspace + plan_.tile_doubles();
     if (filled > 0) {
-        conversion_.split[primes](chunks, {static_cast<const unsigned char*>(operand), bytes, first_point,
-                                           plan_.columns, filled});
+        conversion_.split[primes](
+            chunks, {static_cast<const unsigned char*>(operand), bytes, first_point, plan_.columns, filled});
     }
     const bool past_caches = plan_.operand_words() * sizeof(Word) > cached_bytes;
     const std::uint64_t subtree = plan_.subtree_rows() * tile_columns;
@@ -52,13 +53,14 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
                                                   reduce_constants(plan_.multiplier(), prime));
         }
         std::fill(buffer + filled * tile_columns, buffer + plan_.tile_doubles(), 0.0);
-        kernels_.forward_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer, negacyclic_,
-                                                             modulus);
+        kernels_.forward_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer,
+                                                             negacyclic_, modulus);
         for (std::uint32_t s = 0; s < plan_.multiplier(); ++s) {
             const bool trivial = plan_.multiplier() == 1 && !negacyclic_;
             const NodeFactors factors = tables_->factors(prime, negacyclic_, s, false);
-            kernels_.forward_layers(buffer + s * subtree, {tile_columns, plan_.column_layers, factors, trivial},
-                                    modulus, plan_.multiplier() == 1);
+            kernels_.forward_layers(buffer + s * subtree,
+                                    {tile_columns, plan_.column_layers, factors, trivial}, modulus,
+                                    plan_.multiplier() == 1);
         }
         kernels_.store_tile(matrix + prime * plan_.prime_stride + first_point, plan_.row_stride, buffer,
                             plan_.rows, past_caches);

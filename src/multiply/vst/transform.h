@@ -16,7 +16,7 @@ namespace qmp::vst {
 
 // The cyclic or the negacyclic convolution of one length, with the tables and the scratch that it needs.
 class Transform {
- public:
+  public:
     // Throws LimitExceededException when the twiddle set does not cover the size and
     // BufferTooSmallException when the scratch is too small, in the function's name.
     Transform(const char* function, const Plan& plan, bool negacyclic, const MultiplyContext& context);
@@ -39,7 +39,7 @@ class Transform {
     // All bytes of the residue modulo R^n + 1; true when it is R^n, and the bytes are zero then.
     bool merge_negacyclic(unsigned char* destination, double* matrix) const;
 
- private:
+  private:
     enum class RowWork { transform, multiply, transform_and_multiply };
     struct Window;
     struct LeafRoots;
@@ -55,7 +55,8 @@ class Transform {
     void rows(double* a, double* b, RowWork work) const;
     void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                        double* workspace) const;
-    double merge_tile(const Window& window, const double* matrix, std::uint64_t tile, double* workspace) const;
+    double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,
+                      double* workspace) const;
     std::int64_t merge_window(const Window& window, const double* matrix, std::uint64_t (&top)[4]) const;
 
     const char* function_;

@@ -19,8 +19,9 @@ VstTransformParameters::VstTransformParameters(const SizeParams& size) : plan_(s
     scratch_words = plan_.scratch_words(1);
 }
 
-void VstTransformParameters::transform(const char* function, const MultiplyContext& context, Word* transformed,
-                                       const Word* operand, std::uint64_t length, bool negacyclic) const {
+void VstTransformParameters::transform(const char* function, const MultiplyContext& context,
+                                       Word* transformed, const Word* operand, std::uint64_t length,
+                                       bool negacyclic) const {
     if (length > convolution_words()) invalid_function_parameters(function);
     const Transform transform(function, plan_, negacyclic, context);
     transform.split(as_matrix(transformed), operand, length * sizeof(Word));
@@ -43,7 +44,8 @@ void VstTransformParameters::forward_negacyclic(const MultiplyContext& context, 
 }
 
 void VstTransformParameters::inverse_multiply(const MultiplyContext& context, Word* a, const Word* b,
-                                              Word* destination, std::uint64_t first, std::uint64_t end) const {
+                                              Word* destination, std::uint64_t first,
+                                              std::uint64_t end) const {
     constexpr const char* function = "VstTransformParameters::inverse_multiply()";
     if (first > end || end > convolution_words()) invalid_function_parameters(function);
     const Transform transform(function, plan_, false, context);
@@ -57,8 +59,8 @@ void VstTransformParameters::inverse_square(const MultiplyContext& context, Word
     inverse_multiply(context, a, a, destination, first, end);
 }
 
-bool VstTransformParameters::inverse_multiply_negacyclic(const MultiplyContext& context, Word* a, const Word* b,
-                                                         Word* destination) const {
+bool VstTransformParameters::inverse_multiply_negacyclic(const MultiplyContext& context, Word* a,
+                                                         const Word* b, Word* destination) const {
     const Transform transform("VstTransformParameters::inverse_multiply_negacyclic()", plan_, true, context);
     transform.multiply_rows(as_matrix(a), reinterpret_cast<const double*>(b));
     return transform.merge_negacyclic(reinterpret_cast<unsigned char*>(destination), as_matrix(a));

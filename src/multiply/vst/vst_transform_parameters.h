@@ -7,7 +7,7 @@
 namespace qmp::vst {
 
 class VstTransformParameters final : public NegacyclicParameters {
- public:
+  public:
     explicit VstTransformParameters(const SizeParams& size);
 
     const Plan& plan() const { return plan_; }
@@ -34,9 +34,9 @@ class VstTransformParameters final : public NegacyclicParameters {
                  std::uint64_t end, const void* a, std::uint64_t bytes_a, const void* b,
                  std::uint64_t bytes_b) const;
 
- private:
-    void transform(const char* function, const MultiplyContext& context, Word* transformed, const Word* operand,
-                   std::uint64_t length, bool negacyclic) const;
+  private:
+    void transform(const char* function, const MultiplyContext& context, Word* transformed,
+                   const Word* operand, std::uint64_t length, bool negacyclic) const;
 
     Plan plan_;
 };

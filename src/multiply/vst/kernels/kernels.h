@@ -89,6 +89,7 @@ struct ConversionKernels {
 };
 
 extern const ConversionKernels conversion_scalar;
+extern const ConversionKernels conversion_sse2;
 extern const ConversionKernels conversion_fma4;
 extern const ConversionKernels conversion_avx2;
 extern const ConversionKernels conversion_avx512;

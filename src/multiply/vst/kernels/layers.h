@@ -27,12 +27,34 @@ struct QuarterFactors {
         left = broadcast<V>(factors, 2 * index);
         right = broadcast<V>(factors, 2 * index + 1);
     }
-    KERNEL_INLINE const Factor<V>& operator()(int layer, int node) const {
-        return layer == 0 ? top : node == 0 ? left : right;
+    KERNEL_INLINE Factor<V> operator()(int layer, int node) const {
+        if (layer == 0) return top;
+        if (node == 0) return left;
+        return right;
     }
 };
 
-// What a pass does with the vectors of its quarters or halves.
+template <typename V>
+struct HalfFactor {
+    Factor<V> factor;
+
+    KERNEL_INLINE HalfFactor(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b)
+        : factor(broadcast<V>(factors, (std::uint64_t{1} << l) + b)) {}
+    KERNEL_INLINE Factor<V> operator()(int, int) const { return factor; }
+};
+
+template <typename V, int Log>
+struct StepFactors;
+template <typename V>
+struct StepFactors<V, 1> : HalfFactor<V> {
+    using HalfFactor<V>::HalfFactor;
+};
+template <typename V>
+struct StepFactors<V, 2> : QuarterFactors<V> {
+    using QuarterFactors<V>::QuarterFactors;
+};
+
+// What a pass does with the vectors of its parts.
 template <typename V, int Log, typename Body>
 KERNEL_INLINE void for_columns(double* data, std::uint64_t part, const Body& body) {
     for (std::uint64_t i = 0; i < part; i += V::lanes) {
@@ -43,52 +65,35 @@ KERNEL_INLINE void for_columns(double* data, std::uint64_t part, const Body& bod
     }
 }
 
-// Two layers of the nodes [first, first + count) of layer l, each of four parts.
-template <typename V, bool Reduce>
-void forward_quarters(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                      const qmp::vst::NodeFactors& factors, const Modulus<V>& m) {
-    for (std::uint64_t b = first; b < first + count; ++b, data += 4 * part) {
-        const QuarterFactors<V> w(factors, l, b);
-        for_columns<V, 2>(data, part, [&](typename V::Real(&x)[4]) KERNEL_INLINE_LAMBDA {
+// Log layers of the nodes [first, first + count) of layer l, each of 2^Log parts.
+template <typename V, int Log, bool Reduce>
+void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+    // Copies that no store to the data can be taken to change.
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
             forward_radix<V, Reduce>(x, m, w);
         });
     }
 }
 
-template <typename V, bool Reduce>
-void forward_halves(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                    const qmp::vst::NodeFactors& factors, const Modulus<V>& m) {
-    for (std::uint64_t b = first; b < first + count; ++b, data += 2 * part) {
-        const Factor<V> w = broadcast<V>(factors, (std::uint64_t{1} << l) + b);
-        for_columns<V, 1>(data, part, [&](typename V::Real(&x)[2]) KERNEL_INLINE_LAMBDA {
-            forward_radix<V, Reduce>(x, m, [&](int, int) KERNEL_INLINE_LAMBDA { return w; });
+template <typename V, int Log>
+void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
+            inverse_radix<V>(x, m, w);
         });
     }
 }
 
-template <typename V>
-void inverse_quarters(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                      const qmp::vst::NodeFactors& factors, const Modulus<V>& m) {
-    for (std::uint64_t b = first; b < first + count; ++b, data += 4 * part) {
-        const QuarterFactors<V> w(factors, l, b);
-        for_columns<V, 2>(data, part, [&](typename V::Real(&x)[4])
-                                          KERNEL_INLINE_LAMBDA { inverse_radix<V>(x, m, w); });
-    }
-}
-
-template <typename V>
-void inverse_halves(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                    const qmp::vst::NodeFactors& factors, const Modulus<V>& m) {
-    for (std::uint64_t b = first; b < first + count; ++b, data += 2 * part) {
-        const Factor<V> w = broadcast<V>(factors, (std::uint64_t{1} << l) + b);
-        for_columns<V, 1>(data, part, [&](typename V::Real(&x)[2]) KERNEL_INLINE_LAMBDA {
-            inverse_radix<V>(x, m, [&](int, int) KERNEL_INLINE_LAMBDA { return w; });
-        });
-    }
-}
-
-// The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 2.4: outputs at most 4, if
-// at most 0.75 (the residues of an operand) at most 3.
+// The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 1, outputs at most 4.
 template <typename V>
 void forward_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFactors& factors,
                      const Modulus<V>& m) {
@@ -124,59 +129,72 @@ void inverse_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFacto
 // Doubles that are walked over pass by pass; longer blocks are cut first.
 constexpr std::uint64_t cached_doubles = 4096;
 
+// How many layers each pass takes: two, but one first when their number is odd. Three would not be faster:
+// the multiply-add units are the bound, not the loads.
+struct Steps {
+    const qmp::vst::Layers& layers;
+
+    bool trivial(int l) const { return l == 0 && layers.trivial_top && layers.layers >= 2; }
+    int bits(int l) const {
+        const int left = layers.layers - l;
+        return left % 2 == 0 || trivial(l) ? 2 : 1;
+    }
+    std::uint64_t part(int l, int step) const { return layers.unit << (layers.layers - l - step); }
+    bool cached(int l) const {
+        return layers.unit << (layers.layers - l) <= cached_doubles || l + bits(l) == layers.layers;
+    }
+};
+
 template <typename V>
 class ForwardLayers {
   public:
     ForwardLayers(const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus)
-        : layers_(layers), m_(modulus_of<V>(modulus)) {}
+        : steps_{layers}, m_(modulus_of<V>(modulus)) {}
 
-    // Node b of layer l with all below it. `low`: the inputs are at most 2.4.
+    // Node b of layer l with all below it. `low`: the inputs are at most 2.8.
     void run(double* data, int l, std::uint64_t b, bool low) const {
-        const int left = layers_.layers - l;
-        if (left == 0) return;
-        if (layers_.unit << left <= cached_doubles || left <= 2) {
-            run_cached(data, l, b, 1, low);
+        if (l == steps_.layers.layers) return;
+        if (steps_.cached(l)) {
+            run_cached(data, l, b, low);
             return;
         }
-        step(data, l, b, 1, low);
-        const int bits = step_bits(left);
-        const std::uint64_t part = layers_.unit << (left - bits);
+        const int bits = steps_.bits(l);
+        step(data, l, bits, b, 1, low);
+        const std::uint64_t part = steps_.part(l, bits);
         for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
             run(data + i * part, l + bits, (b << bits) + i, low_after(l, low));
         }
     }
 
   private:
-    static int step_bits(int left) { return left % 2 == 0 ? 2 : 1; }
-    bool trivial(int l) const { return l == 0 && layers_.trivial_top && layers_.layers % 2 == 0; }
-    bool low_after(int l, bool low) const { return !low && !trivial(l); }
+    bool low_after(int l, bool low) const { return !low && !steps_.trivial(l); }
 
-    void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count, bool low) const {
-        while (l < layers_.layers) {
-            step(data, l, first, count, low);
+    void run_cached(double* data, int l, std::uint64_t first, bool low) const {
+        std::uint64_t count = 1;
+        while (l < steps_.layers.layers) {
+            const int bits = steps_.bits(l);
+            step(data, l, bits, first, count, low);
             low = low_after(l, low);
-            const int bits = step_bits(layers_.layers - l);
             l += bits;
             first <<= bits;
             count <<= bits;
         }
     }
-    void step(double* data, int l, std::uint64_t first, std::uint64_t count, bool low) const {
-        const int left = layers_.layers - l;
-        const int bits = step_bits(left);
-        const std::uint64_t part = layers_.unit << (left - bits);
-        if (trivial(l)) {
-            forward_trivial<V>(data, part, layers_.factors, m_);
+    void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count, bool low) const {
+        const std::uint64_t part = steps_.part(l, bits);
+        const qmp::vst::NodeFactors& factors = steps_.layers.factors;
+        if (steps_.trivial(l)) {
+            forward_trivial<V>(data, part, factors, m_);
         } else if (bits == 2) {
-            (low ? forward_quarters<V, false> : forward_quarters<V, true>)(data, part, l, first, count,
-                                                                          layers_.factors, m_);
+            (low ? forward_pass<V, 2, false> : forward_pass<V, 2, true>)(data, part, l, first, count, factors,
+                                                                         m_);
         } else {
-            (low ? forward_halves<V, false> : forward_halves<V, true>)(data, part, l, first, count,
-                                                                      layers_.factors, m_);
+            (low ? forward_pass<V, 1, false> : forward_pass<V, 1, true>)(data, part, l, first, count, factors,
+                                                                         m_);
         }
     }
 
-    const qmp::vst::Layers& layers_;
+    const Steps steps_;
     const Modulus<V> m_;
 };
 
@@ -184,48 +202,42 @@ template <typename V>
 class InverseLayers {
   public:
     InverseLayers(const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus)
-        : layers_(layers), m_(modulus_of<V>(modulus)) {}
+        : steps_{layers}, m_(modulus_of<V>(modulus)) {}
 
     void run(double* data, int l, std::uint64_t b) const {
-        const int left = layers_.layers - l;
-        if (left == 0) return;
-        if (layers_.unit << left <= cached_doubles || left <= 2) {
-            run_cached(data, l, b);
+        if (l == steps_.layers.layers) return;
+        if (steps_.cached(l)) {
+            run_cached(data, l, b, 1);
             return;
         }
-        const int bits = step_bits(left);
-        const std::uint64_t part = layers_.unit << (left - bits);
+        const int bits = steps_.bits(l);
+        const std::uint64_t part = steps_.part(l, bits);
         for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
             run(data + i * part, l + bits, (b << bits) + i);
         }
-        step(data, l, b, 1);
+        step(data, l, bits, b, 1);
     }
 
   private:
-    static int step_bits(int left) { return left % 2 == 0 ? 2 : 1; }
-
-    void run_cached(double* data, int top, std::uint64_t b) const {
-        int l = layers_.layers;
-        while (l > top) {
-            // The way down takes one layer first when their number is odd.
-            l -= l - top == 1 ? 1 : 2;
-            step(data, l, b << (l - top), std::uint64_t{1} << (l - top));
-        }
+    void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count) const {
+        if (l == steps_.layers.layers) return;
+        const int bits = steps_.bits(l);
+        run_cached(data, l + bits, first << bits, count << bits);
+        step(data, l, bits, first, count);
     }
-    void step(double* data, int l, std::uint64_t first, std::uint64_t count) const {
-        const int left = layers_.layers - l;
-        const int bits = step_bits(left);
-        const std::uint64_t part = layers_.unit << (left - bits);
-        if (l == 0 && layers_.trivial_top && bits == 2) {
-            inverse_trivial<V>(data, part, layers_.factors, m_);
+    void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count) const {
+        const std::uint64_t part = steps_.part(l, bits);
+        const qmp::vst::NodeFactors& factors = steps_.layers.factors;
+        if (steps_.trivial(l)) {
+            inverse_trivial<V>(data, part, factors, m_);
         } else if (bits == 2) {
-            inverse_quarters<V>(data, part, l, first, count, layers_.factors, m_);
+            inverse_pass<V, 2>(data, part, l, first, count, factors, m_);
         } else {
-            inverse_halves<V>(data, part, l, first, count, layers_.factors, m_);
+            inverse_pass<V, 1>(data, part, l, first, count, factors, m_);
         }
     }
 
-    const qmp::vst::Layers& layers_;
+    const Steps steps_;
     const Modulus<V> m_;
 };
 

@@ -5,7 +5,8 @@
 //
 // A leaf's table: the values of the node factors of the first layers (2^(length - log V) of them), then their
 // quotients, then one record for each block, for the layers after the transposition: for the layers s = 0 ..
-// log V - 1 and h < 2^s a vector of values and one of quotients, lane i belonging to node 2^s (V block + i) + h.
+// log V - 1 and h < 2^s a vector of values and one of quotients, lane i belonging to node 2^s (V block + i) +
+// h.
 #pragma once
 
 #include "multiply/vst/kernels/layers.h"
@@ -13,7 +14,9 @@
 namespace {
 
 template <typename V>
-constexpr int log_lanes = V::lanes == 2 ? 1 : V::lanes == 4 ? 2 : 3;
+constexpr int log_lanes = V::lanes == 2   ? 1
+                          : V::lanes == 4 ? 2
+                                          : 3;
 
 template <typename V>
 void square_chain(double* powers, const double* numbers, std::uint64_t count, int steps,
@@ -127,13 +130,22 @@ void leaf_forward(double* data, const double* table, int log_length, const qmp::
     const Modulus<V> m = modulus_of<V>(modulus);
     const double* record = table + 2 * nodes;
     const std::uint64_t blocks = std::uint64_t{1} << layers;
-    for (std::uint64_t b = 0; b < blocks; ++b, data += block_points, record += 2 * (V::lanes - 1) * V::lanes) {
+    // Two walks: the chain of dependent operations in a block would be too long for one.
+    double* block = data;
+    for (std::uint64_t b = 0; b < blocks; ++b, block += block_points) {
         typename V::Real x[V::lanes];
-        load_block<V>(x, data);
+        load_block<V>(x, block);
         forward_radix<V, true>(x, m, AcrossFactors<V>{factors, blocks + b});
+        store_block<V>(block, x);
+    }
+    block = data;
+    for (std::uint64_t b = 0; b < blocks;
+         ++b, block += block_points, record += 2 * (V::lanes - 1) * V::lanes) {
+        typename V::Real x[V::lanes];
+        load_block<V>(x, block);
         V::transpose(x);
         forward_radix<V, (V::lanes > 4)>(x, m, LaneFactors<V>{record});
-        store_block<V>(data, x);
+        store_block<V>(block, x);
     }
 }
 
@@ -148,11 +160,18 @@ void leaf_inverse(double* data, const double* table, int log_length, const qmp::
     const double* record = table + 2 * nodes;
     const std::uint64_t blocks = std::uint64_t{1} << layers;
     double* block = data;
-    for (std::uint64_t b = 0; b < blocks; ++b, block += block_points, record += 2 * (V::lanes - 1) * V::lanes) {
+    for (std::uint64_t b = 0; b < blocks;
+         ++b, block += block_points, record += 2 * (V::lanes - 1) * V::lanes) {
         typename V::Real x[V::lanes];
         load_block<V>(x, block);
         inverse_radix<V>(x, m, LaneFactors<V>{record});
         V::transpose(x);
+        store_block<V>(block, x);
+    }
+    block = data;
+    for (std::uint64_t b = 0; b < blocks; ++b, block += block_points) {
+        typename V::Real x[V::lanes];
+        load_block<V>(x, block);
         inverse_radix<V>(x, m, AcrossFactors<V>{factors, blocks + b});
         store_block<V>(block, x);
     }

@@ -1,5 +1,6 @@
 // The first step of transforms of m * 2^e points, m = 3, 5, 7: m blocks x(i) become the m blocks
-// y(j) = sum over i of x(i) z^(i j), z an m-th root of unity, or for the negacyclic form of (-1)^i x(i) z^(i j).
+// y(j) = sum over i of x(i) z^(i j), z an m-th root of unity, or for the negacyclic form of (-1)^i x(i) z^(i
+// j).
 #pragma once
 
 #include "multiply/vst/kernels/layers.h"
@@ -22,8 +23,8 @@ struct OuterStep {
         }
     }
 
-    // x(j) becomes the sum of x(i) z^(i j), or of x(i) z^(-i j). The exponents k j modulo m fold to 1 .. half;
-    // a difference changes its sign on the way.
+    // x(j) becomes the sum of x(i) z^(i j), or of x(i) z^(-i j). The exponents k j modulo m fold to 1 ..
+    // half; a difference changes its sign on the way.
     template <bool Inverse>
     KERNEL_INLINE void transform(Real (&x)[M]) const {
         Real s[half], d[half];

@@ -1,8 +1,8 @@
 // One, two or three layers of the transform in registers.
 //
-// Twiddle(layer, node) gives the factor of a node of the small tree. Forward: inputs at most 4 with
-// `Reduce`, at most 2.4 without; outputs at most 4, and at most 2.4 after one or two layers with `Reduce`.
-// Inverse: inputs and outputs at most 1.65. All in units of the prime.
+// Twiddle(layer, node) gives the factor of a node of the small tree. Forward: inputs at most 4.5 with
+// `Reduce`, at most 2.8 without; outputs at most 4.5, and at most 2.8 after one or two layers with `Reduce`.
+// Inverse: inputs and outputs at most 1.8. All in units of the prime.
 #pragma once
 
 #include "multiply/vst/kernels/modular.h"

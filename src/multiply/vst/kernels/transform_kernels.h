@@ -51,14 +51,14 @@ struct LeafBase {
 struct TransformKernels {
     int log_lanes;
 
-    // Inputs at most 2.4 if `low`, else 4; outputs at most 4.
+    // Inputs at most 2.8 if `low`, else 4.5; outputs at most 4.5.
     void (*forward_layers)(double* data, const Layers& layers, const PrimeModulus& modulus, bool low);
-    // Inputs and outputs at most 1.65.
+    // Inputs and outputs at most 1.8.
     void (*inverse_layers)(double* data, const Layers& layers, const PrimeModulus& modulus);
-    // By multiplier / 2; block s at data + s * block. Inputs at most 0.75, outputs at most 4.6.
+    // By multiplier / 2; block s at data + s * block. Inputs at most 0.75, outputs at most 4.5.
     void (*forward_outer[4])(double* data, std::uint64_t block, const OuterFactors& factors, bool negacyclic,
                              const PrimeModulus& modulus);
-    // Inputs at most 1.65, outputs at most 5.
+    // Inputs at most 1.8, outputs at most 5.5.
     void (*inverse_outer[4])(double* data, std::uint64_t block, const OuterFactors& factors, bool negacyclic,
                              const PrimeModulus& modulus);
 
@@ -78,11 +78,11 @@ struct TransformKernels {
     // A leaf's table for one direction, from e(a / 2^(l+1)), or its inverse, at rho[l * stride].
     void (*leaf_table)(double* table, const LeafBase& base, int log_length, const double* rho,
                        std::ptrdiff_t stride, const PrimeModulus& modulus);
-    // A leaf of 2^log_length points (6 to 10): inputs at most 4, outputs at most 4.
+    // A leaf of 2^log_length points (6 to 10): inputs at most 4.5, outputs at most 4.5.
     void (*leaf_forward)(double* data, const double* table, int log_length, const PrimeModulus& modulus);
-    // Inputs and outputs at most 1.65.
+    // Inputs and outputs at most 1.8.
     void (*leaf_inverse)(double* data, const double* table, int log_length, const PrimeModulus& modulus);
-    // a[i] = a[i] * b[i] * scale. Inputs at most 4, outputs at most 1.5. b may be a.
+    // a[i] = a[i] * b[i] * scale. Inputs at most 4.5, outputs at most 1.8. b may be a.
     void (*pointwise)(double* a, const double* b, std::uint64_t count, double scale, double scale_quotient,
                       const PrimeModulus& modulus);
 };
