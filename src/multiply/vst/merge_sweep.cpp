@@ -61,7 +61,7 @@ double Transform::merge_tile(const Window& window, const double* matrix, std::ui
     }
 
     // Rows that lie in the window as a whole go straight to it.
-    const MergeConstants& merging = merge_constants(plan_.multiplier(), primes);
+    const MergeConstants& merging = conversion_constants(primes, plan_.multiplier()).merge;
     const std::uint64_t row_bytes = plan_.columns * plan_.point_bytes;
     const std::uint64_t tile_begin = tile * window.segment_bytes;
     double largest = 0;

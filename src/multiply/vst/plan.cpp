@@ -41,7 +41,7 @@ Plan::Plan(const SizeParams& params)
       point_bytes(point_bytes_of(params.primes)) {}
 
 std::uint32_t Plan::coefficient_bits() const {
-    return static_cast<std::uint32_t>(16 * point_bytes + std::bit_width(size.points() - 1));
+    return static_cast<std::uint32_t>(16 * point_bytes + std::bit_width(size.points()) + 1);
 }
 
 std::uint64_t Plan::row_roots_doubles() const {

@@ -37,7 +37,7 @@ struct Plan {
     std::uint64_t rows_of_group() const { return leaves_of_row() >= 8 ? 1 : 8 / leaves_of_row(); }
     std::uint64_t groups() const { return (rows + rows_of_group() - 1) / rows_of_group(); }
     std::uint64_t tile_doubles() const { return rows * tile_columns; }
-    // The largest coefficient is below 2^coefficient_bits.
+    // Coefficients are below 2^coefficient_bits, with a bit to spare for how they are measured.
     std::uint32_t coefficient_bits() const;
 
     std::uint64_t operand_words() const { return size.primes * prime_stride; }

@@ -33,13 +33,6 @@ PrimeConstants constants_of(std::uint32_t multiplier, const Prime& prime) {
     }
     require(c.root[0] == 1 && c.root[1] == p - 1, "A root of unity has too small an order.");
 
-    std::uint64_t cofactor = 1;
-    for (std::uint32_t n = 1; n <= most_primes; ++n) {
-        const std::uint64_t other = prime_table[index_of(multiplier)][n - 1].value;
-        if (other != p) cofactor = multiply_modulo(cofactor, other % p, p);
-        c.cofactor_inverse[n] = inverse_modulo(cofactor, p);
-    }
-
     if (multiplier > 1) {
         const std::uint64_t z = root_of_unity(prime, 1, multiplier);
         require(z != 1 && power_modulo(z, multiplier, p) == 1, "Wrong root of unity.");

@@ -34,8 +34,6 @@ struct PrimeConstants {
     std::uint64_t inverse_root[42];
     std::uint64_t outer_root[42];
     std::uint64_t inverse_outer_root[42];
-    // 1 / (P / p) modulo p, P the product of the first n primes, at n
-    std::uint64_t cofactor_inverse[most_primes + 1];
 };
 
 // Built once and checked: the primes' order, and that the roots have the orders that they should have.

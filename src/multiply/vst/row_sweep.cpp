@@ -1,6 +1,7 @@
 // The second sweep: row by row, the transform's last layers, the pointwise product, and the way back.
 #include <cstring>
 
+#include "multiply/vst/merge_constants.h"
 #include "multiply/vst/transform_private.h"
 
 namespace qmp::vst {
@@ -116,8 +117,9 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
     }
 
     // 1 / (points * P / p): the points' number divides p - 1.
+    const ConversionConstants& conversion = conversion_constants(plan_.primes(), plan_.multiplier());
     const std::uint64_t scale = multiply_modulo(p - (p - 1) / plan_.size.points(),
-                                                constants(prime).cofactor_inverse[plan_.primes()], p);
+                                                conversion.cofactor_inverse[prime], p);
     const double scale_value = balanced(scale, p);
     const double scale_quotient = scale_value / static_cast<double>(p);
 

@@ -44,13 +44,14 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
         conversion_.split[primes](
             chunks, {static_cast<const unsigned char*>(operand), bytes, first_point, plan_.columns, filled});
     }
+    const ConversionConstants& conversion = conversion_constants(primes, plan_.multiplier());
     const bool past_caches = plan_.operand_words() * sizeof(Word) > cached_bytes;
     const std::uint64_t subtree = plan_.subtree_rows() * tile_columns;
     for (std::uint32_t prime = 0; prime < primes; ++prime) {
         const PrimeModulus& modulus = constants(prime).modulus;
         if (filled > 0) {
             conversion_.reduce[chunks_of(primes)](buffer, chunks, filled,
-                                                  reduce_constants(plan_.multiplier(), prime));
+                                                  conversion.reduce[prime]);
         }
         std::fill(buffer + filled * tile_columns, buffer + plan_.tile_doubles(), 0.0);
         kernels_.forward_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer,

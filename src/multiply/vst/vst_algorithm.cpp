@@ -1,7 +1,10 @@
 #include "multiply/vst/vst_algorithm.h"
 
 #include <algorithm>
+#include <optional>
+#include <span>
 
+#include "multiply/crt_mulp.h"
 #include "multiply/vst/vst_params.h"
 #include "multiply/vst/vst_transform_parameters.h"
 
@@ -29,6 +32,23 @@ std::uint64_t scratch_bytes(const SizeParams& largest, std::uint64_t tasks) {
     return words * sizeof(Word);
 }
 
+// The same for products from two convolutions of half the length.
+std::uint64_t halved_bytes(const SizeParams& size, std::uint64_t tasks) {
+    const VstTransformParameters parameters(halved(size));
+    const Plan& plan = parameters.plan();
+    return (crt_mulp_scratch_words(parameters) + plan.scratch_words(tasks) - plan.scratch_words(1)) *
+           sizeof(Word);
+}
+
+// The row of one list that products of so many bits take; none when the list does not reach that far.
+std::optional<SizeParams> row_of(std::span<const LimitRow> list, std::uint64_t bits) {
+    for (const LimitRow& row : list) {
+        const SizeParams size = limit_tables.size(row);
+        if (size.capacity_bits >= bits) return size;
+    }
+    return {};
+}
+
 template <typename W>
 class VstAlgorithm final : public WordAlgorithm<W> {
   public:
@@ -37,6 +57,15 @@ class VstAlgorithm final : public WordAlgorithm<W> {
 
     std::uint64_t psize(std::uint64_t n, std::uint64_t tasks) const override {
         return scratch_bytes(vst_params(8 * sizeof(W) * n), tasks);
+    }
+
+    std::uint64_t psize_halved(std::uint64_t n, std::uint64_t tasks) const override {
+        const std::uint64_t bits = 8 * sizeof(W) * n;
+        std::uint64_t bytes = halved_bytes(vst_params(bits), tasks);
+        for (const auto& list : {limit_tables.specialised, limit_tables.standard}) {
+            if (const auto size = row_of(list, bits)) bytes = std::max(bytes, halved_bytes(*size, tasks));
+        }
+        return bytes;
     }
 
     void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
@@ -50,6 +79,12 @@ class VstAlgorithm final : public WordAlgorithm<W> {
     void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
                       const W* a, std::uint64_t la) const override {
         product("VstAlgorithm::upper_square()", context, destination, skip, end, a, la, a, la);
+    }
+    void upper_product_halved(const MultiplyContext& context, W* destination, std::uint64_t skip,
+                              std::uint64_t end, const W* a, std::uint64_t la, const W* b,
+                              std::uint64_t lb) const override {
+        const VstTransformParameters parameters(halved(vst_params(8 * sizeof(W) * (la + lb))));
+        CRT_mulp(context, parameters, destination, skip, end, a, la, b, lb);
     }
     const TransformParameters& construct(TransformParametersBox& box, std::uint64_t n) const override {
         return box.emplace<VstTransformParameters>(vst_params(64 * n));
