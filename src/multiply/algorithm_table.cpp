@@ -12,6 +12,7 @@ const std::vector<AlgorithmThreshold>& basic_algorithm_list() {
     static const std::vector<AlgorithmThreshold> list = {
         {"BKT", 3712},
         {"FFT", 655360},
+        {"VST", 0x12c0000000000},
     };
     return list;
 }

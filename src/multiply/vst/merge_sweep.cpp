@@ -13,6 +13,8 @@ namespace {
 
 // The coefficient check compares numbers scaled to this many bits.
 constexpr int checked_bits = 40;
+// Bytes of a tile's row at the most.
+constexpr std::uint64_t segment_most = tile_columns * point_bytes_of(most_primes);
 
 }  // namespace
 
@@ -23,9 +25,15 @@ struct Transform::Window {
     std::uint64_t first_row, end_row;
     bool wraps;  // the end of the convolution is needed for its start
     std::uint64_t segment_bytes;
+    unsigned char* below;  // what the segment around `first` has below it
 
-    Window(const Plan& plan, unsigned char* bytes, std::uint64_t from, std::uint64_t to)
-        : destination(bytes), first(from), end(to), segment_bytes(tile_columns * plan.point_bytes) {
+    Window(const Plan& plan, unsigned char* bytes, std::uint64_t from, std::uint64_t to,
+           unsigned char* bytes_below)
+        : destination(bytes),
+          first(from),
+          end(to),
+          segment_bytes(tile_columns * plan.point_bytes),
+          below(bytes_below) {
         const std::uint64_t row_bytes = plan.columns * plan.point_bytes;
         // The row below reaches into the first wanted one.
         first_row = first / row_bytes;
@@ -38,6 +46,18 @@ struct Transform::Window {
     void copy(const unsigned char* segment, std::uint64_t from) const {
         const std::uint64_t begin = std::max(from, first), stop = std::min(from + segment_bytes, end);
         if (begin < stop) std::memcpy(destination + (begin - first), segment + (begin - from), stop - begin);
+        if (from < first && first < from + segment_bytes) std::memcpy(below, segment, first - from);
+    }
+    // Adds what is left above the segment before the first wanted one. Returns the carry at `limit`.
+    std::int64_t add_below(std::uint64_t limit, const std::uint64_t* spill) const {
+        const std::uint64_t depth = first % segment_bytes;
+        const std::uint64_t taken = std::min<std::uint64_t>(limit, spill_words * sizeof(Word));
+        unsigned char joint[segment_most + spill_words * sizeof(Word)];
+        std::memcpy(joint, below, depth);
+        std::memcpy(joint + depth, destination, taken);
+        const std::int64_t carry = add_signed(joint, depth + taken, 0, spill);
+        std::memcpy(destination, joint + depth, taken);
+        return add_carry(destination, limit, taken, carry);
     }
 };
 
@@ -77,7 +97,7 @@ double Transform::merge_tile(const Window& window, const double* matrix, std::ui
         largest = std::max(largest, conversion_.merge[primes](merging, rows));
     };
     const auto merge_edge = [&](std::uint64_t row) {
-        unsigned char segment[tile_columns * point_bytes_of(most_primes)];
+        unsigned char segment[segment_most];
         merge_rows(row, row + 1, segment);
         window.copy(segment, row * row_bytes + tile_begin);
     };
@@ -129,9 +149,7 @@ std::int64_t Transform::merge_window(const Window& window, const double* matrix,
             if (s * segment >= window.first) {
                 carries[i] += add_signed(window.destination, range_end(i), s * segment - window.first, spill);
             } else {
-                std::uint64_t shifted[spill_words];
-                shift_right_bytes(shifted, spill, window.first - s * segment);
-                carries[i] += add_signed(window.destination, range_end(i), 0, shifted);
+                carries[i] += window.add_below(range_end(i), spill);
             }
         }
     };
@@ -152,7 +170,8 @@ std::int64_t Transform::merge_window(const Window& window, const double* matrix,
 void Transform::merge(unsigned char* destination, std::uint64_t first, std::uint64_t end,
                       double* matrix) const {
     if (first >= end) return;
-    const Window window(plan_, destination, first, end);
+    unsigned char below[segment_most];
+    const Window window(plan_, destination, first, end, below);
     std::uint64_t top[spill_words];
     const std::int64_t carry = merge_window(window, matrix, top);
     const bool complete = end == plan_.size.capacity_bits / 8;
@@ -173,7 +192,7 @@ void Transform::merge(unsigned char* destination, std::uint64_t first, std::uint
 
 bool Transform::merge_negacyclic(unsigned char* destination, double* matrix) const {
     const std::uint64_t bytes = plan_.size.capacity_bits / 8;
-    const Window window(plan_, destination, 0, bytes);
+    const Window window(plan_, destination, 0, bytes, nullptr);
     std::uint64_t top[spill_words];
     std::int64_t carry = merge_window(window, matrix, top);
     // The value is low + (top + carry) R^n, and R^n is -1: subtract.
