@@ -163,7 +163,7 @@ void elmK(W* destination, const W* A, const W* B, std::uint64_t n, W* scratch) {
 
 template <typename W>
 void sqrK(W* destination, const W* A, std::uint64_t n, W* scratch) {
-    if (n < karatsuba_square_threshold<W>()) return mulB(destination, A, n, A, n);
+    if (n < karatsuba_square_threshold<W>()) return sqrB(destination, A, n);
 
     const Halves<W> a(A, n);
     const std::uint64_t l = a.low_length;
@@ -174,7 +174,7 @@ void sqrK(W* destination, const W* A, std::uint64_t n, W* scratch) {
         if (h >= karatsuba_product_threshold<W>()) {
             sqrK(result, x, length, scratch + 2 * l);
         } else {
-            mulB(result, x, length, x, length);
+            sqrB(result, x, length);
         }
     };
 
