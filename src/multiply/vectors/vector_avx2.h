@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "multiply/vectors/field_bytes.h"
 #include "multiply/vectors/inline.h"
 
 namespace {
@@ -48,6 +49,11 @@ struct VectorAvx2 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm256_fmsub_pd(a, b, c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm256_fnmadd_pd(a, b, c); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        return _mm256_round_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm256_permute4x64_pd(x, 0x1b); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
@@ -73,14 +79,18 @@ struct VectorAvx2 {
         cosine = _mm256_permute2f128_pd(a, b, 0x20);
         sine = _mm256_permute2f128_pd(a, b, 0x31);
     }
-    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1,
+                                                Real& s1) {
         load_twiddle(groups, c0, s0);
         load_twiddle(groups + 4, c1, s1);
     }
 
     static KERNEL_INLINE Bits bits(Real x) { return _mm256_castpd_si256(x); }
-    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm256_set1_epi64x(static_cast<long long>(x)); }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) {
+        return _mm256_set1_epi64x(static_cast<long long>(x));
+    }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm256_add_epi64(a, b); }
+    static KERNEL_INLINE Bits sub(Bits a, Bits b) { return _mm256_sub_epi64(a, b); }
     static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm256_and_si256(a, b); }
     static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm256_or_si256(a, b); }
     template <int Count>
@@ -90,6 +100,20 @@ struct VectorAvx2 {
     template <int Count>
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm256_srli_epi64(a, Count);
+    }
+    // Whether any bit of x is also one of mask.
+    static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm256_testz_si256(x, mask) == 0; }
+    // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.
+    static KERNEL_INLINE Bits larger_magnitude(Bits largest, Bits x) {
+        const Bits size = _mm256_xor_si256(x, _mm256_cmpgt_epi64(_mm256_setzero_si256(), x));
+        return _mm256_blendv_epi8(largest, size, _mm256_cmpgt_epi64(size, largest));
+    }
+    // previous, current as one row of lanes: the lanes one (two) before those of `current`.
+    static KERNEL_INLINE Bits shift_one_lane(Bits previous, Bits current) {
+        return _mm256_alignr_epi8(current, shift_two_lanes(previous, current), 8);
+    }
+    static KERNEL_INLINE Bits shift_two_lanes(Bits previous, Bits current) {
+        return _mm256_permute2x128_si256(previous, current, 0x21);
     }
     static KERNEL_INLINE void store(std::uint64_t* p, Bits x) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), x);
@@ -117,7 +141,31 @@ struct VectorAvx2 {
         odd = fields<Width, 1>(raw);
     }
 
+    // Two neighbouring fields of FirstBytes and SecondBytes bytes (0 to 6; the second one starts at byte 6)
+    // of each of `lanes` points, `stride` bytes apart, as doubles. Reads 16 bytes of each point.
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
+                                          Real& second) {
+        static constexpr FieldBytes<FirstBytes, SecondBytes> bytes{};
+        const Bits pick =
+            _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(bytes.bytes)));
+        const Bits even = _mm256_shuffle_epi8(two_points(source, 2 * stride), pick);
+        const Bits odd = _mm256_shuffle_epi8(two_points(source + stride, 2 * stride), pick);
+        first = small_integers(_mm256_unpacklo_epi64(even, odd));
+        if constexpr (SecondBytes > 0) second = small_integers(_mm256_unpackhi_epi64(even, odd));
+    }
+
   private:
+    static KERNEL_INLINE Bits two_points(const unsigned char* source, std::uint64_t stride) {
+        return _mm256_inserti128_si256(
+            _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source))),
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + stride)), 1);
+    }
+    // Integers below 2^52 to doubles.
+    static KERNEL_INLINE Real small_integers(Bits x) {
+        return sub(_mm256_castsi256_pd(bit_or(x, set_bits(0x4330000000000000))), set(0x1p52));
+    }
+
     template <int Width, int Parity>
     static KERNEL_INLINE Real fields(Bits raw) {
         const auto& pick = field_pick_avx2<Width, Parity>;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "multiply/vectors/field_bytes.h"
 #include "multiply/vectors/inline.h"
 
 namespace {
@@ -46,6 +47,11 @@ struct VectorAvx512 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm512_fnmadd_pd(a, b, c); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        return _mm512_roundscale_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) {
         return _mm512_permutexvar_pd(_mm512_load_si512(reversed_lanes_avx512), x);
@@ -76,14 +82,18 @@ struct VectorAvx512 {
         sine = _mm512_shuffle_f64x2(ab, cd, 0xdd);
     }
     // Two neighbouring groups at once.
-    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1,
+                                                Real& s1) {
         transpose_pairs(load(groups), load(groups + 16), load(groups + 32), load(groups + 48), c0, s0, c1,
                         s1);
     }
 
     static KERNEL_INLINE Bits bits(Real x) { return _mm512_castpd_si512(x); }
-    static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm512_set1_epi64(static_cast<long long>(x)); }
+    static KERNEL_INLINE Bits set_bits(std::uint64_t x) {
+        return _mm512_set1_epi64(static_cast<long long>(x));
+    }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm512_add_epi64(a, b); }
+    static KERNEL_INLINE Bits sub(Bits a, Bits b) { return _mm512_sub_epi64(a, b); }
     static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm512_and_si512(a, b); }
     static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm512_or_si512(a, b); }
     template <int Count>
@@ -93,6 +103,19 @@ struct VectorAvx512 {
     template <int Count>
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm512_srli_epi64(a, Count);
+    }
+    // Whether any bit of x is also one of mask.
+    static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm512_test_epi64_mask(x, mask) != 0; }
+    // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.
+    static KERNEL_INLINE Bits larger_magnitude(Bits largest, Bits x) {
+        return _mm512_max_epi64(largest, _mm512_xor_si512(x, _mm512_srai_epi64(x, 63)));
+    }
+    // previous, current as one row of lanes: the lanes one (two) before those of `current`.
+    static KERNEL_INLINE Bits shift_one_lane(Bits previous, Bits current) {
+        return _mm512_alignr_epi64(current, previous, 7);
+    }
+    static KERNEL_INLINE Bits shift_two_lanes(Bits previous, Bits current) {
+        return _mm512_alignr_epi64(current, previous, 6);
     }
     static KERNEL_INLINE void store(std::uint64_t* p, Bits x) { _mm512_storeu_si512(p, x); }
     static KERNEL_INLINE Bits load(const std::uint64_t* p) { return _mm512_loadu_si512(p); }
@@ -112,10 +135,41 @@ struct VectorAvx512 {
         odd = fields<Width, 1>(raw);
     }
 
+    // Two neighbouring fields of FirstBytes and SecondBytes bytes (0 to 6; the second one starts at byte 6)
+    // of each of `lanes` points, `stride` bytes apart, as doubles. Reads 16 bytes of each point.
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
+                                          Real& second) {
+        const Bits pick = _mm512_broadcast_i32x4(byte_pick<FirstBytes, SecondBytes>());
+        const Bits even = _mm512_shuffle_epi8(four_points(source, 2 * stride), pick);
+        const Bits odd = _mm512_shuffle_epi8(four_points(source + stride, 2 * stride), pick);
+        first = small_integers(_mm512_unpacklo_epi64(even, odd));
+        if constexpr (SecondBytes > 0) second = small_integers(_mm512_unpackhi_epi64(even, odd));
+    }
+
   private:
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE __m128i byte_pick() {
+        static constexpr FieldBytes<FirstBytes, SecondBytes> pick{};
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(pick.bytes));
+    }
+    static KERNEL_INLINE Bits four_points(const unsigned char* source, std::uint64_t stride) {
+        const auto point = [=](std::uint64_t i) KERNEL_INLINE_LAMBDA {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + i * stride));
+        };
+        Bits x = _mm512_castsi128_si512(point(0));
+        x = _mm512_inserti64x2(x, point(1), 1);
+        x = _mm512_inserti64x2(x, point(2), 2);
+        return _mm512_inserti64x2(x, point(3), 3);
+    }
+    // Integers below 2^52 to doubles.
+    static KERNEL_INLINE Real small_integers(Bits x) {
+        return sub(_mm512_castsi512_pd(bit_or(x, set_bits(0x4330000000000000))), set(0x1p52));
+    }
+
     // Rows of four 128-bit pieces become columns.
     static KERNEL_INLINE void transpose_pairs(Real a, Real b, Real c, Real d, Real& x, Real& y, Real& z,
-                                           Real& w) {
+                                              Real& w) {
         const Real ab_low = _mm512_shuffle_f64x2(a, b, 0x44), ab_high = _mm512_shuffle_f64x2(a, b, 0xee);
         const Real cd_low = _mm512_shuffle_f64x2(c, d, 0x44), cd_high = _mm512_shuffle_f64x2(c, d, 0xee);
         x = _mm512_shuffle_f64x2(ab_low, cd_low, 0x88);

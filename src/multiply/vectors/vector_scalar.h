@@ -30,6 +30,12 @@ struct VectorScalar {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return sub(mul(a, b), c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return sub(c, mul(a, b)); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        const Real unit = {__builtin_copysign(0x1p52, x.low), __builtin_copysign(0x1p52, x.high)};
+        return sub(add(x, unit), unit);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return {x.high, x.low}; }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
@@ -48,7 +54,8 @@ struct VectorScalar {
         cosine = load(group);
         sine = load(group + 2);
     }
-    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1,
+                                                Real& s1) {
         load_twiddle(groups, c0, s0);
         load_twiddle(groups + 4, c1, s1);
     }
@@ -60,6 +67,7 @@ struct VectorScalar {
     }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return {x, x}; }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return {a.low + b.low, a.high + b.high}; }
+    static KERNEL_INLINE Bits sub(Bits a, Bits b) { return {a.low - b.low, a.high - b.high}; }
     static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return {a.low & b.low, a.high & b.high}; }
     static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return {a.low | b.low, a.high | b.high}; }
     template <int Count>
@@ -70,6 +78,21 @@ struct VectorScalar {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return {a.low >> Count, a.high >> Count};
     }
+    // Whether any bit of x is also one of mask.
+    static KERNEL_INLINE bool any(Bits x, Bits mask) {
+        return ((x.low & mask.low) | (x.high & mask.high)) != 0;
+    }
+    // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.
+    static KERNEL_INLINE Bits larger_magnitude(Bits largest, Bits x) {
+        const std::uint64_t low = (x.low >> 63) != 0 ? ~x.low : x.low;
+        const std::uint64_t high = (x.high >> 63) != 0 ? ~x.high : x.high;
+        return {low > largest.low ? low : largest.low, high > largest.high ? high : largest.high};
+    }
+    // previous, current as one row of lanes: the lanes one (two) before those of `current`.
+    static KERNEL_INLINE Bits shift_one_lane(Bits previous, Bits current) {
+        return {previous.high, current.low};
+    }
+    static KERNEL_INLINE Bits shift_two_lanes(Bits previous, Bits) { return previous; }
     static KERNEL_INLINE void store(std::uint64_t* p, Bits x) { __builtin_memcpy(p, &x, sizeof x); }
     static KERNEL_INLINE Bits load(const std::uint64_t* p) {
         Bits r;
@@ -91,7 +114,24 @@ struct VectorScalar {
         odd = {field<Width, position + Width>(source), field<Width, position + 3 * Width>(source)};
     }
 
+    // Two neighbouring fields of FirstBytes and SecondBytes bytes (0 to 6; the second one starts at byte 6)
+    // of each of `lanes` points, `stride` bytes apart, as doubles. Reads 16 bytes of each point.
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
+                                          Real& second) {
+        first = {byte_field<FirstBytes>(source), byte_field<FirstBytes>(source + stride)};
+        if constexpr (SecondBytes > 0) {
+            second = {byte_field<SecondBytes>(source + 6), byte_field<SecondBytes>(source + stride + 6)};
+        }
+    }
+
   private:
+    template <int Bytes>
+    static KERNEL_INLINE double byte_field(const unsigned char* source) {
+        std::uint64_t word;
+        __builtin_memcpy(&word, source, sizeof word);
+        return static_cast<double>(static_cast<std::int64_t>(word & ((std::uint64_t{1} << (8 * Bytes)) - 1)));
+    }
     template <int Width, int Position>
     static KERNEL_INLINE double field(const unsigned char* source) {
         std::uint64_t word;

@@ -25,6 +25,12 @@ struct VectorSse2 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_sub_pd(_mm_mul_pd(a, b), c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm_sub_pd(c, _mm_mul_pd(a, b)); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        const Real unit = _mm_or_pd(_mm_and_pd(x, _mm_set1_pd(-0.0)), _mm_set1_pd(0x1p52));
+        return _mm_sub_pd(_mm_add_pd(x, unit), unit);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm_shuffle_pd(x, x, 1); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
@@ -43,7 +49,8 @@ struct VectorSse2 {
         cosine = load(group);
         sine = load(group + 2);
     }
-    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1, Real& s1) {
+    static KERNEL_INLINE void load_two_twiddles(const double* groups, Real& c0, Real& s0, Real& c1,
+                                                Real& s1) {
         load_twiddle(groups, c0, s0);
         load_twiddle(groups + 4, c1, s1);
     }
@@ -51,6 +58,7 @@ struct VectorSse2 {
     static KERNEL_INLINE Bits bits(Real x) { return _mm_castpd_si128(x); }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm_add_epi64(a, b); }
+    static KERNEL_INLINE Bits sub(Bits a, Bits b) { return _mm_sub_epi64(a, b); }
     static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm_and_si128(a, b); }
     static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm_or_si128(a, b); }
     template <int Count>
@@ -61,6 +69,21 @@ struct VectorSse2 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm_srli_epi64(a, Count);
     }
+    // Whether any bit of x is also one of mask.
+    static KERNEL_INLINE bool any(Bits x, Bits mask) {
+        return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(x, mask), _mm_setzero_si128())) != 0xffff;
+    }
+    // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.
+    static KERNEL_INLINE Bits larger_magnitude(Bits largest, Bits x) {
+        const Bits size = _mm_xor_si128(x, signs(x));
+        const Bits smaller = signs(_mm_sub_epi64(largest, size));
+        return _mm_or_si128(_mm_and_si128(smaller, size), _mm_andnot_si128(smaller, largest));
+    }
+    // previous, current as one row of lanes: the lanes one (two) before those of `current`.
+    static KERNEL_INLINE Bits shift_one_lane(Bits previous, Bits current) {
+        return _mm_castpd_si128(_mm_shuffle_pd(_mm_castsi128_pd(previous), _mm_castsi128_pd(current), 1));
+    }
+    static KERNEL_INLINE Bits shift_two_lanes(Bits previous, Bits) { return previous; }
     static KERNEL_INLINE void store(std::uint64_t* p, Bits x) {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(p), x);
     }
@@ -83,7 +106,26 @@ struct VectorSse2 {
         odd = sub(fields<Width, position + Width, position + 3 * Width>(source), offset);
     }
 
+    // Two neighbouring fields of FirstBytes and SecondBytes bytes (0 to 6; the second one starts at byte 6)
+    // of each of `lanes` points, `stride` bytes apart, as doubles. Reads 16 bytes of each point.
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
+                                          Real& second) {
+        first = byte_field<FirstBytes>(source, source + stride);
+        if constexpr (SecondBytes > 0) second = byte_field<SecondBytes>(source + 6, source + stride + 6);
+    }
+
   private:
+    template <int Bytes>
+    static KERNEL_INLINE Real byte_field(const unsigned char* low, const unsigned char* high) {
+        const Bits both = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(low)),
+                                             _mm_loadl_epi64(reinterpret_cast<const __m128i*>(high)));
+        const Bits field = bit_and(both, set_bits((std::uint64_t{1} << (8 * Bytes)) - 1));
+        return sub(_mm_castsi128_pd(bit_or(field, set_bits(0x4330000000000000))), set(0x1p52));
+    }
+    // All ones in the lanes whose sign bit is set.
+    static KERNEL_INLINE Bits signs(Bits x) { return _mm_srai_epi32(_mm_shuffle_epi32(x, 0xf5), 31); }
+
     // Two fields as the low mantissa bits of 2^52.
     template <int Width, int PositionA, int PositionB>
     static KERNEL_INLINE Real fields(const unsigned char* source) {

@@ -49,17 +49,31 @@ using Reduce = void (*)(double* residues, const double* chunks, std::uint64_t ro
 
 // --- Residues to product ---
 
-constexpr std::uint32_t limb_bits = 48;
-constexpr std::uint32_t most_limbs = 10;
+// A coefficient has two pieces of as many bits as a point, and what is left above them. It is built from
+// limbs of 48 bits, but the last one of a piece has 24 where that is all that is left of it; the topmost,
+// number primes - 1, holds everything above its position.
+constexpr std::uint32_t limbs_per_piece(std::uint32_t primes) {
+    return primes / 2;
+}
+constexpr std::uint32_t limb_position(std::uint32_t primes, std::uint32_t limb) {
+    return limb / limbs_per_piece(primes) * (24 * (primes - 1)) + limb % limbs_per_piece(primes) * 48;
+}
+constexpr std::uint32_t limb_width(std::uint32_t primes, std::uint32_t limb) {
+    return limb == primes - 1 ? 48 : limb_position(primes, limb + 1) - limb_position(primes, limb);
+}
+constexpr std::uint32_t most_limbs = most_primes + 1;
 constexpr std::uint64_t spill_words = 4;
 
-// Of one set of primes; P their product. Numbers as balanced limbs of 48 bits (|limb| <= 2^47), lowest first.
+// Of one set of primes; P their product. Numbers as balanced limbs (|limb| <= 2^(width - 1), but the
+// topmost).
 struct MergeConstants {
     std::uint32_t primes;
     double prime[most_primes];
     double inverse[most_primes];
     double cofactor[most_primes][most_limbs];  // P / prime[i]
-    double product[most_limbs];                // P
+    // P; its topmost limb is balanced too, and product[primes] is the rest, at the topmost limb's position
+    // (a multiple of 2^48).
+    double product[most_limbs];
 };
 
 // Residue i of element (r, j) at residues[i * prime_stride + r * row_stride + j], |residue| <= 2.5: the
@@ -78,8 +92,10 @@ struct MergeTile {
     std::uint64_t* spills;
     std::uint64_t spill_stride;  // in words
 };
-// Returns a number near the largest magnitude of a coefficient (relative error below 2^-20). One kernel
-// per number of primes.
+// Coefficients below 2^(48 * (primes - 1) + 42) in magnitude come out right; residues that belong to none
+// give larger ones, as a rule near P. Returns the largest magnitude of a coefficient, less than
+// 4 * 2^(48 * (primes - 1)) too large or too small, or more than 2^(48 * (primes - 1) + 62) when it is out of
+// reach. One kernel per number of primes.
 using Merge = double (*)(const MergeConstants& constants, const MergeTile& tile);
 
 struct ConversionKernels {
@@ -89,6 +105,7 @@ struct ConversionKernels {
 };
 
 extern const ConversionKernels conversion_scalar;
+extern const ConversionKernels conversion_sse2;
 extern const ConversionKernels conversion_fma4;
 extern const ConversionKernels conversion_avx2;
 extern const ConversionKernels conversion_avx512;
