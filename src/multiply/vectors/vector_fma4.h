@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "multiply/vectors/field_bytes.h"
 #include "multiply/vectors/inline.h"
 
 namespace {
@@ -50,6 +51,11 @@ struct VectorFma4 {
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_msub_pd(a, b, c); }
     static KERNEL_INLINE Real neg_mul_add(Real a, Real b, Real c) { return _mm_nmacc_pd(a, b, c); }
 
+    // To the nearest integer, ties to even; |x| <= 2^52.
+    static KERNEL_INLINE Real round(Real x) {
+        return _mm_round_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+    }
+
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm_permute_pd(x, 1); }
     // Lanes reversed inside each range [2^q, 2^(q+1)); lane 0 stays.
@@ -77,6 +83,7 @@ struct VectorFma4 {
     static KERNEL_INLINE Bits bits(Real x) { return _mm_castpd_si128(x); }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm_add_epi64(a, b); }
+    static KERNEL_INLINE Bits sub(Bits a, Bits b) { return _mm_sub_epi64(a, b); }
     static KERNEL_INLINE Bits bit_and(Bits a, Bits b) { return _mm_and_si128(a, b); }
     static KERNEL_INLINE Bits bit_or(Bits a, Bits b) { return _mm_or_si128(a, b); }
     template <int Count>
@@ -87,6 +94,18 @@ struct VectorFma4 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm_srli_epi64(a, Count);
     }
+    // Whether any bit of x is also one of mask.
+    static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm_testz_si128(x, mask) == 0; }
+    // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.
+    static KERNEL_INLINE Bits larger_magnitude(Bits largest, Bits x) {
+        const Bits size = _mm_xor_si128(x, _mm_cmpgt_epi64(_mm_setzero_si128(), x));
+        return _mm_blendv_epi8(largest, size, _mm_cmpgt_epi64(size, largest));
+    }
+    // previous, current as one row of lanes: the lanes one (two) before those of `current`.
+    static KERNEL_INLINE Bits shift_one_lane(Bits previous, Bits current) {
+        return _mm_alignr_epi8(current, previous, 8);
+    }
+    static KERNEL_INLINE Bits shift_two_lanes(Bits previous, Bits) { return previous; }
     static KERNEL_INLINE void store(std::uint64_t* p, Bits x) {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(p), x);
     }
@@ -109,7 +128,26 @@ struct VectorFma4 {
         odd = fields<Width, position % 8, 1>(raw);
     }
 
+    // Two neighbouring fields of FirstBytes and SecondBytes bytes (0 to 6; the second one starts at byte 6)
+    // of each of `lanes` points, `stride` bytes apart, as doubles. Reads 16 bytes of each point.
+    template <int FirstBytes, int SecondBytes>
+    static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
+                                          Real& second) {
+        static constexpr FieldBytes<FirstBytes, SecondBytes> bytes{};
+        const Bits pick = _mm_load_si128(reinterpret_cast<const __m128i*>(bytes.bytes));
+        const Bits low = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source)), pick);
+        const Bits high =
+            _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source + stride)), pick);
+        first = small_integers(_mm_unpacklo_epi64(low, high));
+        if constexpr (SecondBytes > 0) second = small_integers(_mm_unpackhi_epi64(low, high));
+    }
+
   private:
+    // Integers below 2^52 to doubles.
+    static KERNEL_INLINE Real small_integers(Bits x) {
+        return sub(_mm_castsi128_pd(bit_or(x, set_bits(0x4330000000000000))), set(0x1p52));
+    }
+
     template <int Width, int Offset, int Parity>
     static KERNEL_INLINE Real fields(Bits raw) {
         const auto& pick = field_pick_fma4<Width, Offset, Parity>;
