@@ -1,7 +1,6 @@
 #include "multiply/basecase/karatsuba.h"
 
 #include <algorithm>
-#include <type_traits>
 #include <utility>
 
 #include "multiply/basecase/schoolbook.h"
@@ -13,16 +12,6 @@ std::uint64_t c64i_sqr_threshold = 15;
 std::uint64_t c64i_mul_threshold = 14;
 std::uint64_t c32i_sqr_threshold = 16;
 std::uint64_t c32i_mul_threshold = 18;
-
-template <typename W>
-std::uint64_t karatsuba_square_threshold() {
-    return std::is_same_v<W, std::uint64_t> ? c64i_sqr_threshold : c32i_sqr_threshold;
-}
-
-template <typename W>
-std::uint64_t karatsuba_product_threshold() {
-    return std::is_same_v<W, std::uint64_t> ? c64i_mul_threshold : c32i_mul_threshold;
-}
 
 namespace {
 
