@@ -72,10 +72,8 @@ std::vector<AlgorithmTable::Entry>::const_iterator AlgorithmTable::find(std::uin
                         [n](const Entry& entry) { return entry.threshold >= n; });
 }
 
-const Algorithm& AlgorithmTable::get_algorithm(std::uint64_t n) const {
-    const auto entry = find(n);
-    if (entry == entries_.end()) throw LimitExceededException("AlgorithmTable::get_algorithm()", 0, n);
-    return *entry->algorithm;
+void AlgorithmTable::beyond_reach(std::uint64_t n) {
+    throw LimitExceededException("AlgorithmTable::get_algorithm()", 0, n);
 }
 
 std::uint64_t AlgorithmTable::iPsize(std::uint64_t n, std::uint64_t tasks) const {

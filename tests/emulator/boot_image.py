@@ -4,6 +4,7 @@ import os
 import shutil
 import stat
 import subprocess
+import tempfile
 
 ISOLINUX = "/usr/lib/ISOLINUX/isolinux.bin"
 LOADER_MODULE = "/usr/lib/syslinux/modules/bios/ldlinux.c32"
@@ -35,7 +36,11 @@ def kernel(cache):
         os.makedirs(cache, exist_ok=True)
         _run(["apt-get", "download", packages[0]], cwd=cache)
         archives = glob.glob(os.path.join(cache, "linux-image-*.deb"))
-        _run(["dpkg-deb", "-x", archives[0], os.path.join(cache, "kernel")])
+        # Under its name only when it is complete.
+        unpacked = tempfile.mkdtemp(dir=cache)
+        _run(["dpkg-deb", "-x", archives[0], unpacked])
+        os.rename(unpacked, os.path.join(cache, "kernel"))
+        os.remove(archives[0])
     if not found():
         raise Unavailable("the kernel package holds no kernel")
     return found()[-1]

@@ -17,7 +17,7 @@ import boot_image
 import bochs
 
 PROCESSOR = "zambezi"
-FILTER = "EveryLevel/*/FMA4:*LevelsAgree*"
+FILTER = "EveryLevel/*/FMA4*:*LevelsAgree*"
 END = r"The program ended with .*\."
 SECONDS = 500
 SKIPPED = 77

@@ -107,6 +107,15 @@ struct VectorAvx512 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm512_srli_epi64(a, Count);
     }
+    // Signed, towards minus infinity.
+    template <int Count>
+    static KERNEL_INLINE Bits signed_shift_right(Bits a) {
+        return _mm512_srai_epi64(a, Count);
+    }
+    // The lower halves of products.
+    static KERNEL_INLINE Bits mul(Bits a, Bits b) { return _mm512_mullo_epi64(a, b); }
+    // Integers in doubles to integers.
+    static KERNEL_INLINE Bits to_integers(Real x) { return _mm512_cvtpd_epi64(x); }
     // Whether any bit of x is also one of mask.
     static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm512_test_epi64_mask(x, mask) != 0; }
     // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.

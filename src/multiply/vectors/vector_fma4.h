@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "multiply/vectors/field_bytes.h"
 #include "multiply/vectors/inline.h"
 
 namespace {
@@ -135,17 +136,19 @@ struct VectorFma4 {
     template <int FirstBytes, int SecondBytes>
     static KERNEL_INLINE void load_fields(const unsigned char* source, std::uint64_t stride, Real& first,
                                           Real& second) {
-        first = byte_field<FirstBytes>(source, source + stride);
-        if constexpr (SecondBytes > 0) second = byte_field<SecondBytes>(source + 6, source + stride + 6);
+        static constexpr FieldBytes<FirstBytes, SecondBytes> bytes{};
+        const Bits pick = _mm_load_si128(reinterpret_cast<const __m128i*>(bytes.bytes));
+        const Bits low = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source)), pick);
+        const Bits high =
+            _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source + stride)), pick);
+        first = small_integers(_mm_unpacklo_epi64(low, high));
+        if constexpr (SecondBytes > 0) second = small_integers(_mm_unpackhi_epi64(low, high));
     }
 
   private:
-    template <int Bytes>
-    static KERNEL_INLINE Real byte_field(const unsigned char* low, const unsigned char* high) {
-        const Bits both = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(low)),
-                                             _mm_loadl_epi64(reinterpret_cast<const __m128i*>(high)));
-        const Bits field = bit_and(both, set_bits((std::uint64_t{1} << (8 * Bytes)) - 1));
-        return sub(_mm_castsi128_pd(bit_or(field, set_bits(0x4330000000000000))), set(0x1p52));
+    // Integers below 2^52 to doubles.
+    static KERNEL_INLINE Real small_integers(Bits x) {
+        return sub(_mm_castsi128_pd(bit_or(x, set_bits(0x4330000000000000))), set(0x1p52));
     }
 
     template <int Width, int Offset, int Parity>

@@ -1,9 +1,10 @@
 #include "multiply/vectors/vector_scalar.h"
 #include "multiply/vst/kernels/conversion_set.h"
+#include "multiply/vst/kernels/double_limbs.h"
 #include "multiply/vst/kernels/fused.h"
 
 namespace qmp::vst {
 
-constexpr ConversionKernels conversion_scalar = conversion_set<Fused<VectorScalar>>();
+constexpr ConversionKernels conversion_scalar = conversion_set<Fused<VectorScalar>, DoubleLimbs>();
 
 }  // namespace qmp::vst
