@@ -96,7 +96,7 @@ TEST(Ntt64Primes, TheirProductHoldsEverySignedCoefficient) {
         EXPECT_GT(product[primes - 1], bound);
         // Rounding in double precision does not come near the half.
         const double margin = static_cast<double>(product[primes - 1]) / static_cast<double>(bound) - 1;
-        EXPECT_GT(margin, 1e-3) << primes << " primes, multiplier " << multiplier;
+        EXPECT_GT(margin, 0.33) << primes << " primes, multiplier " << multiplier;
     });
 }
 

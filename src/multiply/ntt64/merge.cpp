@@ -41,7 +41,7 @@ class Merger {
             std::uint64_t scaled[P][lanes];
             scale(scaled, residues);
             for (std::uint64_t l = 0; l < lanes; l += 2, product += words_per_pair) {
-                Word even[P + 1], odd[P + 1];
+                Word even[P], odd[P];
                 recover(even, scaled, l, found);
                 recover(odd, scaled, l + 1, found);
                 add_pair(sum, even, odd);
