@@ -6,6 +6,7 @@
 #include "multiply/algorithm_table.h"
 #include "multiply/basecase/basecase_algorithm.h"
 #include "multiply/fft/fft_algorithm.h"
+#include "multiply/ntt64/ntt64_algorithm.h"
 #include "multiply/vst/vst_algorithm.h"
 
 namespace qmp {
@@ -20,6 +21,7 @@ const Registry& registry() {
         {"BKT", {&basecase::algorithm32(), &basecase::algorithm64(), nullptr, nullptr}},
         {"C17", {nullptr, nullptr, nullptr, nullptr}},
         {"FFT", {&fft::algorithm32(), &fft::algorithm64(), nullptr, nullptr}},
+        {"N64", {&ntt64::algorithm32(), &ntt64::algorithm64(), nullptr, nullptr}},
         {"VST", {&vst::algorithm32(), &vst::algorithm64(), nullptr, nullptr}},
     };
     return algorithms;

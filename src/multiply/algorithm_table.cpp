@@ -13,6 +13,7 @@ const std::vector<AlgorithmThreshold>& basic_algorithm_list() {
         {"BKT", 3712},
         {"FFT", 655360},
         {"VST", 0x12c0000000000},
+        {"N64", 0x3800000000000000},
     };
     return list;
 }

@@ -45,6 +45,28 @@ struct LimitTables {
     // The first row whose capacity is at least `bits`, of the specialised list if it has one, otherwise of
     // the standard list. LimitExceededException when neither has.
     SizeParams find(std::uint64_t bits) const;
+
+    // Calls visit(size) for the rows of one list, from the first up to the one that holds `bits`, or to the
+    // last: what scratch formulas take the maximum of, as a shorter size may need more than the next one.
+    template <typename Visit>
+    void visit_rows_up_to(std::span<const LimitRow> rows, std::uint64_t bits, Visit&& visit) const {
+        for (const LimitRow& row : rows) {
+            const SizeParams params = size(row);
+            visit(params);
+            if (params.capacity_bits >= bits) return;
+        }
+    }
+    // The same for every size that find() returns for up to `bits`, and with its exception.
+    template <typename Visit>
+    void visit_sizes_up_to(std::uint64_t bits, Visit&& visit) const {
+        const SizeParams last = find(bits);
+        visit_rows_up_to(specialised, bits, visit);
+        const std::uint64_t served = specialised.empty() ? 0 : size(specialised.back()).capacity_bits;
+        if (last.capacity_bits <= served) return;
+        visit_rows_up_to(standard, bits, [&](const SizeParams& params) {
+            if (params.capacity_bits > served) visit(params);
+        });
+    }
 };
 
 // Half the length with the same primes, for products from a cyclic and a negacyclic convolution.

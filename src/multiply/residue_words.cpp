@@ -94,7 +94,7 @@ void fold(ParallelContext parallel, Word* destination, const ByteWords& low, con
     });
 }
 
-// Writes one half of the product: the words of x + y, or of x - y, shifted down by one bit.
+// One half of the product: the words of x + y, or of x - y, shifted down by one bit.
 struct Half {
     std::uint64_t begin;  // words of the half that the window touches
     std::uint64_t end;

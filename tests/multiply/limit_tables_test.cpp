@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "errors/exception.h"
 #include "multiply/ntt64/ntt64_params.h"
@@ -56,6 +57,30 @@ TEST(LimitTables, BeyondBothLists) {
         EXPECT_EQ(e.limit(), 320u);
         EXPECT_EQ(e.attempted(), 321u);
     }
+}
+
+// The sizes that shorter products may take, and no others.
+TEST(LimitTables, VisitsWhatTheSearchFinds) {
+    const LimitTables tables{"search()", 10, few_rows, more_rows};
+    const auto visited = [&](std::uint64_t bits) {
+        std::vector<std::uint64_t> capacities;
+        tables.visit_sizes_up_to(bits,
+                                 [&](const SizeParams& size) { capacities.push_back(size.capacity_bits); });
+        return capacities;
+    };
+    using Capacities = std::vector<std::uint64_t>;
+    EXPECT_EQ(visited(0), (Capacities{40}));
+    EXPECT_EQ(visited(80), (Capacities{40, 80}));
+    EXPECT_EQ(visited(81), (Capacities{40, 80, 120}));
+    EXPECT_EQ(visited(121), (Capacities{40, 80, 120, 320}));  // 20 bits are never found
+    EXPECT_THROW(visited(321), qmp::LimitExceededException);
+    Capacities rows;
+    tables.visit_rows_up_to(tables.standard, 20,
+                            [&](const SizeParams& size) { rows.push_back(size.capacity_bits); });
+    EXPECT_EQ(rows, (Capacities{20}));
+    tables.visit_rows_up_to(tables.standard, 1000,
+                            [&](const SizeParams& size) { rows.push_back(size.capacity_bits); });
+    EXPECT_EQ(rows, (Capacities{20, 20, 320}));
 }
 
 // Rows of a transform: at least `fewest` primes, strictly increasing, each found by its own capacity and by
