@@ -62,7 +62,6 @@ std::string level_name(const testing::TestParamInfo<std::size_t>& parameter) {
 // The levels that have kernels of their own.
 INSTANTIATE_TEST_SUITE_P(Levels, Ntt64Levels,
                          testing::Values(static_cast<std::size_t>(qmp::InstructionLevel::avx512),
-                                         static_cast<std::size_t>(qmp::InstructionLevel::avx2),
                                          static_cast<std::size_t>(qmp::InstructionLevel::scalar)),
                          level_name);
 

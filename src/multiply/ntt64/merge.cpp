@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::uint64_t most_tasks = 256;
 constexpr std::uint64_t tail_words = 6;
+constexpr std::uint64_t groups_ahead = 4;
 constexpr std::uint64_t groups_per_task = 1024;
 
 // What a block of points leaves: the words above its own, in two's complement, and its largest coefficient.
@@ -36,6 +37,7 @@ class Merger {
         product += begin * words_per_pair * lanes / 2;
         for (std::uint64_t group = begin; group < end; ++group) {
             const std::uint64_t* residues = residues_ + place(group);
+            prefetch(std::min(group + groups_ahead, end - 1));
             std::uint64_t scaled[P][lanes];
             scale(scaled, residues);
             for (std::uint64_t l = 0; l < lanes; l += 2, product += words_per_pair) {
@@ -67,6 +69,12 @@ class Merger {
         return row / lanes * lanes * matrix_.columns + square * lanes * lanes + row % lanes * lanes;
     }
 
+    // The residues of a row are 512 bytes apart, in as many places as there are primes.
+    void prefetch(std::uint64_t group) const {
+        const std::uint64_t* residues = residues_ + place(group);
+        for (int i = 0; i < P; ++i, residues += points_) __builtin_prefetch(residues);
+    }
+
     void scale(std::uint64_t (&scaled)[P][lanes], const std::uint64_t* residues) const {
         for (int i = 0; i < P; ++i, residues += points_) {
             const Twiddle factor = constants_.factors[i];
@@ -83,18 +91,21 @@ class Merger {
     // the reduction fits into P words.
     void recover(Word* coefficient, const std::uint64_t (&scaled)[P][lanes], std::uint64_t l,
                  Word& found) const {
-        for (int i = 0; i < P; ++i) coefficient[i] = 0;
-        for (int k = 0; k < P; ++k) {
-            const Word factor = scaled[k][l];
-            Word carry = 0;
-            for (int i = 0; i < P - 1; ++i) {
-                const DoubleWord t =
-                    static_cast<DoubleWord>(constants_.cofactors[k][i]) * factor + coefficient[i] + carry;
-                coefficient[i] = low_word(t);
-                carry = high_word(t);
+        // Word by word of the sum, so that the carries of a word's products meet in two registers.
+        DoubleWord carried = 0;
+        for (int i = 0; i < P - 1; ++i) {
+            DoubleWord low = low_word(carried);
+            DoubleWord high = high_word(carried);
+#pragma GCC unroll 9
+            for (int k = 0; k < P; ++k) {
+                const DoubleWord t = static_cast<DoubleWord>(constants_.cofactors[k][i]) * scaled[k][l];
+                low += low_word(t);
+                high += high_word(t);
             }
-            coefficient[P - 1] += carry;
+            coefficient[i] = low_word(low);
+            carried = high + high_word(low);
         }
+        coefficient[P - 1] = low_word(carried);
         const auto top = static_cast<double>(coefficient[P - 1]);
         const auto multiple = static_cast<Word>(top * constants_.inverse_top + 0.5);
         Word borrow = 0;
@@ -106,7 +117,9 @@ class Merger {
         found = std::max(found, magnitude(coefficient[P - 1]));
     }
     // A cyclic product has no negative coefficient: one makes a top word that no bound allows.
-    Word magnitude(Word top) const { return matrix_.negacyclic ? top ^ sign_of(top) : top; }
+    Word magnitude(Word top) const {
+        return matrix_.negacyclic ? top ^ sign_of(top) : top;
+    }
 
     static void add_pair(Word* sum, const Word* even, const Word* odd) {
         add_at<0>(sum, even);

@@ -27,20 +27,43 @@ Matrix matrix_of(const SizeParams& size, bool negacyclic) {
             negacyclic ? 1u : 0u};
 }
 
-// Blocks of eight rows or columns, cut into tasks. `work(task, begin, end)`.
+// `count` equal parts of all primes' points, cut into tasks. `work(task, begin, end)`.
 template <typename Work>
-void for_blocks(ParallelContext parallel, const Plan& plan, std::uint64_t count, std::uint64_t most_tasks,
-                Work work) {
-    const std::uint64_t points_per_block = plan.points / count;
-    const std::uint64_t tasks = std::min(parallel.tds, most_tasks);
-    const std::uint64_t smallest = (points_per_task + points_per_block - 1) / points_per_block;
-    const BlockCut cut = BlockCut::of(count, tasks, smallest);
+void for_parts(ParallelContext parallel, const Plan& plan, std::uint64_t count, std::uint64_t most_tasks,
+               Work work) {
+    const std::uint64_t points_per_part = std::max<std::uint64_t>(1, plan.size.primes * plan.points / count);
+    const std::uint64_t smallest = (points_per_task + points_per_part - 1) / points_per_part;
+    const BlockCut cut = BlockCut::of(count, std::min(parallel.tds, most_tasks), smallest);
     if (cut.count == 1) {
         work(0, 0, count);
         return;
     }
     parallel.run(0, cut.count,
                  [&](std::uint64_t task) { work(task, cut.begin(task), cut.end(task, count)); });
+}
+
+// The blocks of eight rows or columns of all primes. `work(task, prime, begin, end)`.
+template <typename Work>
+void for_blocks(ParallelContext parallel, const Plan& plan, std::uint64_t blocks, std::uint64_t most_tasks,
+                Work work) {
+    for_parts(parallel, plan, plan.size.primes * blocks, most_tasks,
+              [&](std::uint64_t task, std::uint64_t begin, std::uint64_t end) {
+                  while (begin < end) {
+                      const std::uint64_t prime = begin / blocks, from = begin % blocks;
+                      const std::uint64_t to = std::min(blocks, from + (end - begin));
+                      work(task, prime, from, to);
+                      begin += to - from;
+                  }
+              });
+}
+
+using AllRoots = Roots[most_primes];
+
+void form_all_roots(const Plan& plan, Direction direction, std::uint64_t* tables, AllRoots& roots) {
+    const std::uint64_t words = plan.table_words / plan.size.primes;
+    for (std::uint32_t i = 0; i < plan.size.primes; ++i) {
+        roots[i] = form_roots(plan.matrix, plan.primes->primes[i], direction, tables + i * words);
+    }
 }
 
 }  // namespace
@@ -51,7 +74,7 @@ Plan::Plan(const SizeParams& params, bool negacyclic)
       points(params.points()),
       point_bytes(4 * (params.primes - 1)),
       primes(&prime_set(params.primes, params.multiplier)),
-      table_words((root_words(matrix) + 7) / 8 * 8),
+      table_words(params.primes * ((root_words(matrix) + 7) / 8 * 8)),
       buffer_words(lanes * matrix.rows),
       buffers(std::min(matrix.columns / lanes, most_buffers)) {
     const std::uint32_t needed = params.exponent + (negacyclic ? 1 : 0);
@@ -66,18 +89,24 @@ void forward_transform(ParallelContext parallel, const Plan& plan, std::uint64_t
     const Matrix& matrix = plan.matrix;
     const Source source{static_cast<const unsigned char*>(operand), bytes, plan.point_bytes};
     std::uint64_t* buffers = scratch + plan.table_words;
-    for (std::uint32_t i = 0; i < plan.size.primes; ++i, data += plan.points) {
-        const Roots roots = form_roots(matrix, plan.primes->primes[i], Direction::forward, scratch);
-        for_blocks(parallel, plan, matrix.columns / lanes, plan.buffers,
-                   [&](std::uint64_t task, std::uint64_t begin, std::uint64_t end) {
-                       kernels.forward_columns(matrix, roots, source, data,
-                                               buffers + task * plan.buffer_words, begin, end);
-                   });
-        for_blocks(parallel, plan, matrix.rows / lanes, parallel.tds,
-                   [&](std::uint64_t, std::uint64_t begin, std::uint64_t end) {
-                       kernels.forward_rows(matrix, roots, data, begin, end);
-                   });
-    }
+    AllRoots roots;
+    form_all_roots(plan, Direction::forward, scratch, roots);
+
+    // All primes of one block of columns, while the operand's part is in cache.
+    for_parts(parallel, plan, matrix.columns / lanes, plan.buffers,
+              [&](std::uint64_t task, std::uint64_t begin, std::uint64_t end) {
+                  std::uint64_t* buffer = buffers + task * plan.buffer_words;
+                  for (std::uint64_t block = begin; block < end; ++block) {
+                      for (std::uint32_t i = 0; i < plan.size.primes; ++i) {
+                          kernels.forward_columns(matrix, roots[i], source, data + i * plan.points, buffer,
+                                                  block, block + 1);
+                      }
+                  }
+              });
+    for_blocks(parallel, plan, matrix.rows / lanes, parallel.tds,
+               [&](std::uint64_t, std::uint64_t prime, std::uint64_t begin, std::uint64_t end) {
+                   kernels.forward_rows(matrix, roots[prime], data + prime * plan.points, begin, end);
+               });
 }
 
 void inverse_transform(ParallelContext parallel, const Plan& plan, std::uint64_t* a, const std::uint64_t* b,
@@ -85,18 +114,19 @@ void inverse_transform(ParallelContext parallel, const Plan& plan, std::uint64_t
     const Kernels& kernels = current_kernels();
     const Matrix& matrix = plan.matrix;
     std::uint64_t* buffers = scratch + plan.table_words;
-    for (std::uint32_t i = 0; i < plan.size.primes; ++i, a += plan.points, b += plan.points) {
-        const Roots roots = form_roots(matrix, plan.primes->primes[i], Direction::inverse, scratch);
-        for_blocks(parallel, plan, matrix.rows / lanes, parallel.tds,
-                   [&](std::uint64_t, std::uint64_t begin, std::uint64_t end) {
-                       kernels.inverse_rows(matrix, roots, a, b, begin, end);
-                   });
-        for_blocks(parallel, plan, matrix.columns / lanes, plan.buffers,
-                   [&](std::uint64_t task, std::uint64_t begin, std::uint64_t end) {
-                       kernels.inverse_columns(matrix, roots, a, buffers + task * plan.buffer_words, begin,
-                                               end);
-                   });
-    }
+    AllRoots roots;
+    form_all_roots(plan, Direction::inverse, scratch, roots);
+
+    for_blocks(parallel, plan, matrix.rows / lanes, parallel.tds,
+               [&](std::uint64_t, std::uint64_t prime, std::uint64_t begin, std::uint64_t end) {
+                   const std::uint64_t offset = prime * plan.points;
+                   kernels.inverse_rows(matrix, roots[prime], a + offset, b + offset, begin, end);
+               });
+    for_blocks(parallel, plan, matrix.columns / lanes, plan.buffers,
+               [&](std::uint64_t task, std::uint64_t prime, std::uint64_t begin, std::uint64_t end) {
+                   kernels.inverse_columns(matrix, roots[prime], a + prime * plan.points,
+                                           buffers + task * plan.buffer_words, begin, end);
+               });
 }
 
 }  // namespace qmp::ntt64

@@ -21,7 +21,7 @@ struct Plan {
     std::uint64_t points;
     std::uint64_t point_bytes;  // 4 * (primes - 1)
     const PrimeSet* primes;
-    std::uint64_t table_words;   // of scratch, for the roots of one prime
+    std::uint64_t table_words;   // of scratch, for the roots of all primes
     std::uint64_t buffer_words;  // of scratch, for the columns of one task
     std::uint64_t buffers;       // tasks that may work on columns at a time
 

@@ -11,13 +11,19 @@ namespace {
 // its power of 2^64.
 template <typename V>
 KERNEL_INLINE void load_points(std::uint64_t* target, const qmp::ntt64::Source& source, std::uint64_t first,
-                               const Modular<V>& modular, const qmp::ntt64::Roots& roots) {
+                               std::uint64_t columns, const Modular<V>& modular,
+                               const qmp::ntt64::Roots& roots) {
     using namespace qmp::ntt64;
     const std::uint64_t size = source.point_bytes;
     const std::uint64_t at = first * size;
     if (at >= source.count) {
         for (std::uint64_t l = 0; l < lanes; l += V::lanes) V::store(target + l, V::set(0));
         return;
+    }
+    // The next row but two of these columns: rows are far apart.
+    const std::uint64_t ahead = at + 3 * columns * size;
+    if (ahead < source.count) {
+        for (std::uint64_t i = 0; i < lanes * size; i += 64) __builtin_prefetch(source.bytes + ahead + i);
     }
     // A point's last limb may be half a word: the whole is read, and the half that is not its own cut off.
     constexpr std::uint64_t beyond = 8;
@@ -52,7 +58,8 @@ void forward_columns(const qmp::ntt64::Matrix& matrix, const qmp::ntt64::Roots& 
     const Modular<V> modular(roots);
     for (std::uint64_t block = begin; block < end; ++block) {
         for (std::uint64_t i = 0; i < matrix.rows; ++i) {
-            load_points<V>(buffer + lanes * i, source, i * matrix.columns + lanes * block, modular, roots);
+            load_points<V>(buffer + lanes * i, source, i * matrix.columns + lanes * block, matrix.columns,
+                           modular, roots);
         }
         tree.forward(buffer, matrix.log_rows, matrix.negacyclic, 0);
         std::uint64_t* square = data + block * lanes * lanes;

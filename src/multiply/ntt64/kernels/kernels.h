@@ -78,7 +78,6 @@ struct Kernels {
 };
 
 extern const Kernels kernels_scalar;
-extern const Kernels kernels_avx2;
 extern const Kernels kernels_avx512;
 
 }  // namespace qmp::ntt64
