@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <vector>
 
+#include "errors/exception.h"
 #include "multiply/algorithm.h"
 #include "multiply/fft/fft_algorithm.h"
 #include "support/random_words.h"
