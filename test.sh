@@ -32,6 +32,7 @@ build() {
 groups=(build tests)
 [[ " ${presets[*]} " == *" windows "* ]] && groups+=(windows)
 tools/setup-debian.sh "${groups[@]}" || fail "setting up the machine"
+tools/setup-debian.sh emulator || echo "test.sh: no emulator: the tests of the FMA4 level will be skipped" >&2
 
 if command -v ccache >/dev/null; then
   # Hits across clones: paths below the root, and the folder it lies in, make no difference.

@@ -6,6 +6,10 @@
 #include "multiply/algorithm_table.h"
 #include "multiply/basecase/basecase_algorithm.h"
 #include "multiply/fft/fft_algorithm.h"
+#include "multiply/hybrid_ntt/hybrid_algorithm.h"
+#include "multiply/ntt32/ntt32_algorithm.h"
+#include "multiply/ntt64/ntt64_algorithm.h"
+#include "multiply/vst/vst_algorithm.h"
 
 namespace qmp {
 namespace {
@@ -19,6 +23,10 @@ const Registry& registry() {
         {"BKT", {&basecase::algorithm32(), &basecase::algorithm64(), nullptr, nullptr}},
         {"C17", {nullptr, nullptr, nullptr, nullptr}},
         {"FFT", {&fft::algorithm32(), &fft::algorithm64(), nullptr, nullptr}},
+        {"HNT", {&hybrid_ntt::algorithm32(), &hybrid_ntt::algorithm64(), nullptr, nullptr}},
+        {"N32", {&ntt32::algorithm32(), &ntt32::algorithm64(), nullptr, nullptr}},
+        {"N64", {&ntt64::algorithm32(), &ntt64::algorithm64(), nullptr, nullptr}},
+        {"VST", {&vst::algorithm32(), &vst::algorithm64(), nullptr, nullptr}},
     };
     return algorithms;
 }

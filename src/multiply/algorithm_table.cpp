@@ -12,6 +12,8 @@ const std::vector<AlgorithmThreshold>& basic_algorithm_list() {
     static const std::vector<AlgorithmThreshold> list = {
         {"BKT", 3712},
         {"FFT", 655360},
+        {"VST", 0x12c0000000000},
+        {"N64", 0x3800000000000000},
     };
     return list;
 }
@@ -71,10 +73,8 @@ std::vector<AlgorithmTable::Entry>::const_iterator AlgorithmTable::find(std::uin
                         [n](const Entry& entry) { return entry.threshold >= n; });
 }
 
-const Algorithm& AlgorithmTable::get_algorithm(std::uint64_t n) const {
-    const auto entry = find(n);
-    if (entry == entries_.end()) throw LimitExceededException("AlgorithmTable::get_algorithm()", 0, n);
-    return *entry->algorithm;
+void AlgorithmTable::beyond_reach(std::uint64_t n) {
+    throw LimitExceededException("AlgorithmTable::get_algorithm()", 0, n);
 }
 
 std::uint64_t AlgorithmTable::iPsize(std::uint64_t n, std::uint64_t tasks) const {

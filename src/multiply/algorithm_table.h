@@ -39,7 +39,13 @@ class AlgorithmTable {
     // A null algorithm is ignored.
     void add(std::uint64_t threshold_words, const Algorithm* algorithm);
     // The first entry whose threshold is at least n words; LimitExceededException when there is none.
-    const Algorithm& get_algorithm(std::uint64_t n) const;
+    // In line: every product asks, and the shortest take a few nanoseconds.
+    const Algorithm& get_algorithm(std::uint64_t n) const {
+        for (const Entry& entry : entries_) {
+            if (entry.threshold >= n) return *entry.algorithm;
+        }
+        beyond_reach(n);
+    }
     // Scratch in bytes for a product of n words, whole, upper or by halved transforms, for two transformed
     // operands of a convolution of n words with the scratch of their product, and for every smaller product
     // that the same scratch may have to serve. Non-decreasing in n. LimitExceededException when no entry
@@ -53,6 +59,7 @@ class AlgorithmTable {
     const std::vector<Entry>& entries() const { return entries_; }
 
   private:
+    [[noreturn]] static void beyond_reach(std::uint64_t n);
     std::vector<Entry>::const_iterator find(std::uint64_t n) const;
 
     std::string name_;

@@ -77,6 +77,10 @@ TEST(AlgorithmTable, LookupAtTheEdges) {
     EXPECT_EQ(qmp::basic_table_32().entries()[0].threshold, 116u);
     EXPECT_STREQ(table.get_algorithm(1).key, "BKT");
     EXPECT_STREQ(table.get_algorithm(58).key, "BKT");
+    EXPECT_STREQ(table.get_algorithm(59).key, "FFT");
+    EXPECT_STREQ(table.get_algorithm(10240).key, "FFT");
+    EXPECT_STREQ(table.get_algorithm(10241).key, "VST");
+    EXPECT_STREQ(table.get_algorithm(5153960755200).key, "VST");
     EXPECT_EQ(table.largest_product(), table.entries().back().threshold);
     for (std::size_t i = 0; i + 1 < table.entries().size(); ++i) {
         EXPECT_EQ(&table.get_algorithm(table.entries()[i].threshold), table.entries()[i].algorithm);
@@ -165,7 +169,7 @@ TEST(AlgorithmTable, ScratchNeverDecreasesAndServesSmallerEntries) {
     const AlgorithmTable& table = qmp::basic_table_64();
     for (std::uint64_t tasks : {1, 8}) {
         std::uint64_t previous = 0;
-        for (std::uint64_t n = 1; n <= table.largest_product(); n += n < 300 ? 1 : 13) {
+        for (std::uint64_t n = 1; n <= table.largest_product(); n += n < 300 ? 1 : std::max<std::uint64_t>(13, n / 50)) {
             const std::uint64_t bytes = table.iPsize(n, tasks);
             ASSERT_GE(bytes, previous) << n;
             ASSERT_GE(bytes, table.get_algorithm(n).psize(n, tasks)) << n;

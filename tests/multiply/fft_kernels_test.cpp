@@ -11,7 +11,7 @@
 #include "multiply/fft/size_tables.h"
 #include "multiply/fft/transform.h"
 #include "support/fatal.h"
-#include "support/fft_levels.h"
+#include "support/levels.h"
 #include "support/random_words.h"
 #include "support/words_reference.h"
 
@@ -94,8 +94,8 @@ double rounding_error(const FftParams& params, const TwiddleTable& table, const 
     return largest;
 }
 
-class FftKernels : public kelvara_test::FftLevelTest {};
-INSTANTIATE_FFT_LEVELS(FftKernels);
+class FftKernels : public kelvara_test::LevelTest {};
+INSTANTIATE_EVERY_LEVEL(FftKernels);
 
 // Convolutions of operands that fill it wrap around; those of half operands do not.
 TEST_P(FftKernels, EveryMultiplierAndPointSize) {
@@ -199,52 +199,22 @@ TEST_P(FftKernels, RoundingErrorStaysFarBelowOneHalf) {
     RecordProperty("largest_rounding_error", std::to_string(largest));
 }
 
-TEST(FftLevels, TheListIsBestFirstAndEndsWithScalar) {
-    ASSERT_EQ(qmp::fft::level_count(), 4u);
-    EXPECT_STREQ(qmp::fft::level_name(0), "AVX-512");
-    EXPECT_STREQ(qmp::fft::level_name(1), "AVX2");
-    EXPECT_STREQ(qmp::fft::level_name(2), "SSE2");
-    EXPECT_STREQ(qmp::fft::level_name(3), "scalar");
-    EXPECT_TRUE(qmp::fft::level_supported(2));
-    EXPECT_TRUE(qmp::fft::level_supported(3));
-    std::size_t best = 0;
-    while (!qmp::fft::level_supported(best)) ++best;
-    EXPECT_STREQ(qmp::fft::level_for(10).kernels->name, qmp::fft::level_name(best));
+TEST(FftLevels, TheKernelsAreThoseOfTheCurrentLevel) {
+    kelvara_test::for_every_level([](qmp::InstructionLevel level) {
+        EXPECT_STREQ(qmp::fft::level_for(10).kernels->name, qmp::name_of(level));
+    });
 }
 
-TEST(FftLevels, ForcingAnUnknownOrUnsupportedLevelFails) {
-    try {
-        qmp::fft::force_level("AVX-9000");
-        FAIL();
-    } catch (const qmp::InvalidParametersException& e) {
-        EXPECT_EQ(e.function(), "qmp::fft::force_level()");
-        EXPECT_EQ(e.message(), "No such level: AVX-9000");
-    }
-    for (std::size_t i = 0; i < qmp::fft::level_count(); ++i) {
-        if (qmp::fft::level_supported(i)) {
-            qmp::fft::force_level(qmp::fft::level_name(i));
-            EXPECT_STREQ(qmp::fft::level_for(10).kernels->name, qmp::fft::level_name(i));
-            continue;
-        }
-        try {
-            qmp::fft::force_level(qmp::fft::level_name(i));
-            ADD_FAILURE() << qmp::fft::level_name(i);
-        } catch (const qmp::InvalidParametersException& e) {
-            EXPECT_EQ(e.message(),
-                      "This processor does not run " + std::string(qmp::fft::level_name(i)) + ".");
-        }
-    }
-    qmp::fft::force_level("");
-}
-
-// Too short for the widest vectors: two lanes, whatever the level.
+// Too short for the widest vectors: a level of two lanes, the current one where it has two.
 TEST(FftLevels, ShortTransformsHaveTwoLanes) {
-    for (std::size_t i = 0; i < qmp::fft::level_count(); ++i) {
-        if (!qmp::fft::level_supported(i)) continue;
-        qmp::fft::force_level(qmp::fft::level_name(i));
-        for (std::uint32_t k : {4u, 5u, 6u}) EXPECT_EQ(qmp::fft::level_for(k).kernels->lanes(), 2);
-    }
-    qmp::fft::force_level("");
+    kelvara_test::for_every_level([](qmp::InstructionLevel level) {
+        const bool wide = level == qmp::InstructionLevel::avx512 || level == qmp::InstructionLevel::avx2;
+        for (std::uint32_t k : {4u, 5u, 6u}) {
+            const qmp::fft::Kernels& kernels = *qmp::fft::level_for(k).kernels;
+            EXPECT_EQ(kernels.lanes(), 2);
+            EXPECT_STREQ(kernels.name, wide ? "SSE2" : qmp::name_of(level));
+        }
+    });
 }
 
 TEST(FftPlan, KernelBlocks) {

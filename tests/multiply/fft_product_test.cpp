@@ -17,7 +17,7 @@
 #include "multiply/fft/size_tables.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "support/fatal.h"
-#include "support/fft_levels.h"
+#include "support/levels.h"
 #include "support/random_words.h"
 #include "support/twiddled_context.h"
 #include "support/words_reference.h"
@@ -58,8 +58,8 @@ Words product_of(const MultiplyContext& context, const Words& a, const Words& b)
     return product.value();
 }
 
-class FftProduct : public kelvara_test::FftLevelTest {};
-INSTANTIATE_FFT_LEVELS(FftProduct);
+class FftProduct : public kelvara_test::LevelTest {};
+INSTANTIATE_EVERY_LEVEL(FftProduct);
 
 TEST_P(FftProduct, OnesAtTheLargestSizeOfEveryRow) {
     TwiddledContext own(dispatch_limit, fft().psize(dispatch_limit, 1));
@@ -212,12 +212,8 @@ TEST(FftLongProduct, LevelsAgree) {
     for (std::uint64_t n : {5000, 10241, 25000, 40000}) {
         const Words a = make_words(random, n - n / 3), b = make_words(random, n / 3, Pattern::runs);
         const Words expected = product_of(own.context(), a, b);
-        for (std::size_t level = 0; level < qmp::fft::level_count(); ++level) {
-            if (!qmp::fft::level_supported(level)) continue;
-            qmp::fft::force_level(qmp::fft::level_name(level));
-            EXPECT_EQ(product_of(own.context(), a, b), expected) << qmp::fft::level_name(level);
-        }
-        qmp::fft::force_level("");
+        kelvara_test::for_every_level(
+            [&](qmp::InstructionLevel) { EXPECT_EQ(product_of(own.context(), a, b), expected); });
     }
 }
 

@@ -188,12 +188,37 @@ TEST(TwiddleSet, NothingForNoProduct) {
     EXPECT_EQ(set.table(1), nullptr);
 }
 
-// Products beyond the algorithm need no more than its largest one.
-TEST(TwiddleSet, StopsAtTheLargestConvolution) {
-    EXPECT_EQ(TwiddleSet::bytes_needed(1572864), TwiddleSet::bytes_needed(~std::uint64_t{0}));
+// Products beyond the floating-point transform's range need no more of its tables than its largest ones.
+TEST(TwiddleSet, FloatingPointTablesStopWhereTheOtherTransformTakesOver) {
     EXPECT_EQ(
-        TwiddleSet::bytes_needed(1572864),
-        8 * (TwiddleTable::doubles(1, 23) + TwiddleTable::doubles(3, 21) + TwiddleTable::doubles(5, 20)));
+        TwiddleSet::bytes_needed(10240),
+        8 * (TwiddleTable::doubles(1, 15) + TwiddleTable::doubles(3, 13) + TwiddleTable::doubles(5, 13)));
+    // 10241 words and a transform of 3 * 2^13 points at the most, which has 3 columns' layers.
+    const std::uint64_t columns = TwiddleSet::bytes_needed(10241) - TwiddleSet::bytes_needed(10240);
+    EXPECT_GT(columns, 0u);
+    EXPECT_EQ(TwiddleSet::bytes_needed(10241, 0), columns);
+    EXPECT_EQ(TwiddleSet::bytes_needed(10241, 1572864), TwiddleSet::bytes_needed(10240) + columns +
+                                                            TwiddleSet::bytes_needed(10241, 10241) -
+                                                            TwiddleSet::bytes_needed(10241));
+    // Beyond every transform: the tables of the largest.
+    EXPECT_EQ(TwiddleSet::bytes_needed(~std::uint64_t{0}), TwiddleSet::bytes_needed(5153960755200));
+}
+
+TEST(TwiddleSet, ColumnTablesOfTheMultipliersInUse) {
+    constexpr std::uint64_t n = 100000;
+    const std::uint64_t bytes = TwiddleSet::bytes_needed(n);
+    GuardedWords memory(bytes / 8);
+    const TwiddleSet set(memory.data(), bytes, n, ParallelContext::sequential());
+    EXPECT_TRUE(memory.guards_intact());
+    EXPECT_EQ(set.largest_product(), n);
+    for (std::uint32_t r : {1, 3, 5, 7}) ASSERT_NE(set.columns(r), nullptr) << r;
+    EXPECT_EQ(set.columns(2), nullptr);
+    EXPECT_EQ(set.columns(9), nullptr);
+    // Without them.
+    const std::uint64_t less = TwiddleSet::bytes_needed(10240);
+    const TwiddleSet small(memory.data(), less, 10240, ParallelContext::sequential());
+    EXPECT_EQ(small.columns(1), nullptr);
+    EXPECT_NE(small.table(1), nullptr);
 }
 
 TEST(TwiddleSet, ShortMemory) {

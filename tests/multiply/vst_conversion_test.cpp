@@ -30,6 +30,7 @@ struct Level {
 };
 constexpr Level levels[] = {{InstructionLevel::avx512, &conversion_avx512},
                             {InstructionLevel::avx2, &conversion_avx2},
+                            {InstructionLevel::fma4, &conversion_fma4},
                             {InstructionLevel::sse2, &conversion_sse2},
                             {InstructionLevel::scalar, &conversion_scalar}};
 
@@ -60,7 +61,7 @@ std::string parameter_name(const testing::TestParamInfo<VstConversion::ParamType
     return name + "Primes" + std::to_string(std::get<1>(info.param)) + "Multiplier" +
            std::to_string(std::get<2>(info.param));
 }
-INSTANTIATE_TEST_SUITE_P(Levels, VstConversion,
+INSTANTIATE_TEST_SUITE_P(EveryLevel, VstConversion,
                          testing::Combine(testing::Range(std::size_t{0}, std::size(levels)),
                                           testing::Range(fewest_primes, most_primes + 1),
                                           testing::ValuesIn(multipliers)),
@@ -302,7 +303,7 @@ class VstMerge : public VstConversion {
     std::vector<unsigned char> out_;
     std::vector<std::uint64_t> spills_;
 };
-INSTANTIATE_TEST_SUITE_P(Levels, VstMerge,
+INSTANTIATE_TEST_SUITE_P(EveryLevel, VstMerge,
                          testing::Combine(testing::Range(std::size_t{0}, std::size(levels)),
                                           testing::Range(fewest_primes, most_primes + 1),
                                           testing::ValuesIn(multipliers)),

@@ -193,7 +193,7 @@ TEST(TransformHelper, ExactProducts) {
 TEST(TransformHelper, AnnouncedScratchIsABound) {
     std::uint64_t previous = 0;
     const std::uint64_t limit = qmp::basic_table_64().largest_product();
-    for (std::uint64_t n = 2; n <= limit; n += n < 500 ? 1 : 17) {
+    for (std::uint64_t n = 2; n <= limit; n += n < 500 ? 1 : std::max<std::uint64_t>(17, n / 40)) {
         qmp::TransformParametersBox box;
         const qmp::TransformParameters& parameters = qmp::construct_transform(box, n);
         const std::uint64_t words = TransformHelper::scratch_words(n, 1);

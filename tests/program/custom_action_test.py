@@ -130,10 +130,9 @@ class Refusing(ProgramTest):
         self.assert_refused("is not available in this build yet.", "custom", "zeta3", "-dec:100", "-o", self.folder)
         self.assert_refused("The main menu is not available in this build yet.")
 
-    def test_products_beyond_the_table(self):
-        self.assert_refused("LimitExceededException", "custom", "pi", "-dec:10m", "-o", self.folder)
-        _, output = self.run_program("custom", "pi", "-dec:10m", "-o", self.folder)
-        self.assertRegex(output, r"Limit Exceeded:\n    Function: .*\n    Limit: Unknown\n    Attempted: ")
+    def test_more_than_the_memory_holds(self):
+        for text in ("Large heap allocation failed.", "Failed Allocation: "):
+            self.assert_refused(text, "custom", "pi", "-dec:1t", "-o", self.folder, exit_code=1)
 
     def test_a_missing_output_folder(self):
         self.assert_refused("The folder for the digit files does not exist.", "custom", "pi", "-dec:100", "-o",

@@ -10,10 +10,11 @@ namespace kelvara_test {
 
 class TwiddleMemory {
   public:
-    explicit TwiddleMemory(std::uint64_t product_words)
-        : memory_(nullptr, (qmp::TwiddleSet::bytes_needed(product_words) + 7) / 8),
+    // The floating-point transform's tables as far as that goes, unless `fft_words` says less.
+    explicit TwiddleMemory(std::uint64_t product_words, std::uint64_t fft_words = 1572864)
+        : memory_(nullptr, (qmp::TwiddleSet::bytes_needed(product_words, fft_words) + 7) / 8),
           set_(memory_.data(), memory_.words() * sizeof(std::uint64_t), product_words,
-               qmp::ParallelContext::sequential()) {}
+               qmp::ParallelContext::sequential(), fft_words) {}
     const qmp::TwiddleSet* get() const { return &set_; }
 
   private:

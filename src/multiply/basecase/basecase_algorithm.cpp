@@ -5,6 +5,7 @@
 #include "errors/check.h"
 #include "multiply/basecase/basecase_parameters.h"
 #include "multiply/basecase/karatsuba.h"
+#include "multiply/basecase/schoolbook.h"
 #include "multiply/trim.h"
 
 namespace qmp::basecase {
@@ -27,6 +28,8 @@ class BasecaseKaratsuba final : public WordAlgorithm<W> {
                   std::uint64_t lb) const override {
         const char* function = "BasecaseKaratsuba::multiply()";
         check_length(function, la + lb);
+        // What mulK would find out itself, some calls further down.
+        if (std::min(la, lb) < karatsuba_product_threshold<W>()) return mulB(destination, a, la, b, lb);
         W* scratch = take_scratch(context, function, mulK_scratch<W>(la, lb));
         mulK(destination, a, la, b, lb, scratch);
     }
@@ -38,6 +41,7 @@ class BasecaseKaratsuba final : public WordAlgorithm<W> {
         const std::uint64_t n = p.la + p.lb;
         check_length(function, n);
         W* product = take_scratch(context, function, n + mulK_scratch<W>(p.la, p.lb));
+        if (p.skip == 0 && p.end == n) return mulK(destination, p.a, p.la, p.b, p.lb, product);
         mulK(product, p.a, p.la, p.b, p.lb, product + n);
         std::copy(product + p.skip, product + p.end, destination);
     }
@@ -48,6 +52,7 @@ class BasecaseKaratsuba final : public WordAlgorithm<W> {
         const UpperSquare<W> p(skip, end, a, la);
         check_length(function, 2 * p.la);
         W* square = take_scratch(context, function, 2 * p.la + sqrK_scratch<W>(p.la));
+        if (p.skip == 0 && p.end == 2 * p.la) return sqrK(destination, p.a, p.la, square);
         sqrK(square, p.a, p.la, square + 2 * p.la);
         std::copy(square + p.skip, square + p.end, destination);
     }

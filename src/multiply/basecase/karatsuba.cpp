@@ -1,7 +1,6 @@
 #include "multiply/basecase/karatsuba.h"
 
 #include <algorithm>
-#include <type_traits>
 #include <utility>
 
 #include "multiply/basecase/schoolbook.h"
@@ -13,16 +12,6 @@ std::uint64_t c64i_sqr_threshold = 15;
 std::uint64_t c64i_mul_threshold = 14;
 std::uint64_t c32i_sqr_threshold = 16;
 std::uint64_t c32i_mul_threshold = 18;
-
-template <typename W>
-std::uint64_t karatsuba_square_threshold() {
-    return std::is_same_v<W, std::uint64_t> ? c64i_sqr_threshold : c32i_sqr_threshold;
-}
-
-template <typename W>
-std::uint64_t karatsuba_product_threshold() {
-    return std::is_same_v<W, std::uint64_t> ? c64i_mul_threshold : c32i_mul_threshold;
-}
 
 namespace {
 
@@ -163,7 +152,7 @@ void elmK(W* destination, const W* A, const W* B, std::uint64_t n, W* scratch) {
 
 template <typename W>
 void sqrK(W* destination, const W* A, std::uint64_t n, W* scratch) {
-    if (n < karatsuba_square_threshold<W>()) return mulB(destination, A, n, A, n);
+    if (n < karatsuba_square_threshold<W>()) return sqrB(destination, A, n);
 
     const Halves<W> a(A, n);
     const std::uint64_t l = a.low_length;
@@ -174,7 +163,7 @@ void sqrK(W* destination, const W* A, std::uint64_t n, W* scratch) {
         if (h >= karatsuba_product_threshold<W>()) {
             sqrK(result, x, length, scratch + 2 * l);
         } else {
-            mulB(result, x, length, x, length);
+            sqrB(result, x, length);
         }
     };
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 namespace qmp {
 
@@ -16,10 +17,15 @@ extern std::uint64_t c64i_mul_threshold;
 extern std::uint64_t c32i_sqr_threshold;
 extern std::uint64_t c32i_mul_threshold;
 
+// In line: every short product asks.
 template <typename W>
-std::uint64_t karatsuba_square_threshold();
+inline std::uint64_t karatsuba_square_threshold() {
+    return std::is_same_v<W, std::uint64_t> ? c64i_sqr_threshold : c32i_sqr_threshold;
+}
 template <typename W>
-std::uint64_t karatsuba_product_threshold();
+inline std::uint64_t karatsuba_product_threshold() {
+    return std::is_same_v<W, std::uint64_t> ? c64i_mul_threshold : c32i_mul_threshold;
+}
 
 // destination[0 .. 2n) = A * B, both of n words. Scratch: elmK_scratch.
 template <typename W>
@@ -45,8 +51,6 @@ template <typename W>
 std::uint64_t karatsuba_scratch_bytes(std::uint64_t n);
 
 #define QMP_KARATSUBA(PREFIX, W)                                                            \
-    PREFIX template std::uint64_t karatsuba_square_threshold<W>();                          \
-    PREFIX template std::uint64_t karatsuba_product_threshold<W>();                         \
     PREFIX template void elmK<W>(W*, const W*, const W*, std::uint64_t, W*);                \
     PREFIX template void sqrK<W>(W*, const W*, std::uint64_t, W*);                          \
     PREFIX template void mulK<W>(W*, const W*, std::uint64_t, const W*, std::uint64_t, W*); \

@@ -7,7 +7,7 @@ namespace qmp {
 
 #define QMP_MULB_FAMILY(family, W)                                                                           \
     void qmh_MULB_##family##_v0_sqrB_Default_mul64_u0(W* destination, const W* A, std::uint64_t n) {         \
-        mulB(destination, A, n, A, n);                                                                       \
+        sqrB(destination, A, n);                                                                             \
     }                                                                                                        \
     void qmh_MULB_##family##_v0_elmB_Default_mul64_u0(W* destination, const W* A, const W* B,                \
                                                       std::uint64_t n) {                                     \

@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "multiply/basecase/double_word.h"
+#include "multiply/basecase/schoolbook_kernels.h"
 #include "multiply/basecase/word_kernels.h"
+#include "platform/processor_features.h"
 
 namespace qmp {
 namespace {
@@ -85,10 +87,8 @@ void multiply_four(W* destination, const W* A, std::uint64_t n, const W* B) {
     destination[n + 3] = c3;
 }
 
-}  // namespace
-
 template <typename W>
-void mulB(W* destination, const W* A, std::uint64_t LA, const W* B, std::uint64_t LB) {
+void multiply_plain(W* destination, const W* A, std::uint64_t LA, const W* B, std::uint64_t LB) {
     if (LA < LB) {
         std::swap(A, B);
         std::swap(LA, LB);
@@ -104,7 +104,70 @@ void mulB(W* destination, const W* A, std::uint64_t LA, const W* B, std::uint64_
     for (; j < LB; ++j) destination[LA + j] = mul_add_word(destination + j, A, LA, B[j]);
 }
 
+// The off-diagonal products once, row by row, then their double plus the squares of the words.
+void square_plain(std::uint64_t* destination, const std::uint64_t* A, std::uint64_t n) {
+    if (n < 4) return multiply_plain(destination, A, n, A, n);
+    destination[n] = mul_word(destination + 1, A + 1, n - 1, A[0]);
+    for (std::uint64_t i = 1; i + 1 < n; ++i) {
+        destination[n + i] = mul_add_word(destination + 2 * i + 1, A + i + 1, n - 1 - i, A[i]);
+    }
+    destination[0] = 0;
+    destination[2 * n - 1] = 0;
+    std::uint64_t carry = 0;
+    std::uint64_t above = 0;  // the bit that doubling moves up
+    for (std::uint64_t i = 0; i < n; ++i) {
+        const DoubleWord square = static_cast<DoubleWord>(A[i]) * A[i];
+        const std::uint64_t s0 = destination[2 * i], s1 = destination[2 * i + 1];
+        DoubleWord t =
+            static_cast<DoubleWord>((s0 << 1) | above) + static_cast<std::uint64_t>(square) + carry;
+        destination[2 * i] = static_cast<std::uint64_t>(t);
+        t = static_cast<DoubleWord>((s1 << 1) | (s0 >> 63)) + static_cast<std::uint64_t>(square >> 64) +
+            static_cast<std::uint64_t>(t >> 64);
+        destination[2 * i + 1] = static_cast<std::uint64_t>(t);
+        carry = static_cast<std::uint64_t>(t >> 64);
+        above = s1 >> 63;
+    }
+}
+
+}  // namespace
+
+constexpr SchoolbookKernels schoolbook_plain = {multiply_plain<std::uint64_t>, square_plain};
+
+bool schoolbook_adx_supported() {
+    return processor_features().bmi2 && processor_features().adx;
+}
+
+namespace {
+
+// Plain for whoever multiplies before this file's statics are initialised; both give the same words.
+SchoolbookKernels chosen = schoolbook_plain;
+[[maybe_unused]] const bool choice_is_made =
+    (chosen = schoolbook_adx_supported() ? schoolbook_adx : schoolbook_plain, true);
+
+}  // namespace
+
+template <typename W>
+void mulB(W* destination, const W* A, std::uint64_t LA, const W* B, std::uint64_t LB) {
+    if constexpr (std::is_same_v<W, std::uint64_t>) {
+        if (A == B && LA == LB) return chosen.square(destination, A, LA);
+        chosen.multiply(destination, A, LA, B, LB);
+    } else {
+        multiply_plain(destination, A, LA, B, LB);
+    }
+}
+
+template <typename W>
+void sqrB(W* destination, const W* A, std::uint64_t n) {
+    if constexpr (std::is_same_v<W, std::uint64_t>) {
+        chosen.square(destination, A, n);
+    } else {
+        multiply_plain(destination, A, n, A, n);
+    }
+}
+
 template void mulB(std::uint64_t*, const std::uint64_t*, std::uint64_t, const std::uint64_t*, std::uint64_t);
 template void mulB(std::uint32_t*, const std::uint32_t*, std::uint64_t, const std::uint32_t*, std::uint64_t);
+template void sqrB(std::uint64_t*, const std::uint64_t*, std::uint64_t);
+template void sqrB(std::uint32_t*, const std::uint32_t*, std::uint64_t);
 
 }  // namespace qmp

@@ -1,35 +1,17 @@
 #include "multiply/fft/levels.h"
 
 #include <array>
-#include <atomic>
-#include <string>
+#include <cstddef>
 
-#include "errors/exception.h"
 #include "multiply/fft/unit_roots.h"
-#include "platform/processor_features.h"
+#include "multiply/instruction_levels.h"
 
 namespace qmp::fft {
 namespace {
 
-struct Candidate {
-    const Kernels* kernels;
-    bool (*supported)(const ProcessorFeatures&);
-};
-
-// Best first. The one list of levels. A level needs all that its file is compiled for
-// (cmake/KernelFlags.cmake).
-constexpr Candidate candidates[] = {
-    {&kernels_avx512,
-     [](const ProcessorFeatures& f) {
-         return f.os_avx512 && f.avx512f && f.avx512dq && f.avx512bw && f.avx512vl && f.avx2 && f.fma3 &&
-                f.bmi2 && f.adx;
-     }},
-    {&kernels_avx2,
-     [](const ProcessorFeatures& f) { return f.os_avx && f.avx2 && f.fma3 && f.bmi1 && f.bmi2; }},
-    {&kernels_sse2, [](const ProcessorFeatures&) { return true; }},
-    {&kernels_scalar, [](const ProcessorFeatures&) { return true; }},
-};
-constexpr std::size_t candidate_count = sizeof candidates / sizeof candidates[0];
+// In the order of InstructionLevel.
+constexpr const Kernels* tables[instruction_level_count] = {&kernels_avx512, &kernels_avx2, &kernels_fma4,
+                                                            &kernels_sse2, &kernels_scalar};
 
 std::uint64_t reversed(std::uint64_t x, int bits) {
     std::uint64_t r = 0;
@@ -87,23 +69,12 @@ class PreparedLevel {
     KernelLevel level_{};
 };
 
-const KernelLevel& prepared(std::size_t index) {
-    static const std::array<PreparedLevel, candidate_count> levels = {
-        PreparedLevel(*candidates[0].kernels), PreparedLevel(*candidates[1].kernels),
-        PreparedLevel(*candidates[2].kernels), PreparedLevel(*candidates[3].kernels)};
-    return levels[index].level();
-}
-
-const KernelLevel* best_level() {
-    for (std::size_t i = 0; i < candidate_count; ++i) {
-        if (level_supported(i)) return &prepared(i);
-    }
-    return &prepared(candidate_count - 1);
-}
-
-std::atomic<const KernelLevel*>& current_level() {
-    static std::atomic<const KernelLevel*> level = best_level();
-    return level;
+const KernelLevel& prepared(InstructionLevel level) {
+    static const PreparedLevel levels[] = {PreparedLevel(*tables[0]), PreparedLevel(*tables[1]),
+                                           PreparedLevel(*tables[2]), PreparedLevel(*tables[3]),
+                                           PreparedLevel(*tables[4])};
+    static_assert(sizeof levels / sizeof levels[0] == instruction_level_count);
+    return levels[static_cast<std::size_t>(level)].level();
 }
 
 // Shortest transforms of the levels: 2^(k-1) complex numbers fill the square of the lanes.
@@ -112,38 +83,9 @@ constexpr std::uint32_t shortest_wide_exponent = 7;
 }  // namespace
 
 const KernelLevel& level_for(std::uint32_t k) {
-    const KernelLevel& level = *current_level().load(std::memory_order_relaxed);
+    const KernelLevel& level = prepared(current_level());
     if (k >= shortest_wide_exponent || level.kernels->log_lanes == 1) return level;
-    return prepared(candidate_count - 2);
-}
-
-std::size_t level_count() {
-    return candidate_count;
-}
-
-const char* level_name(std::size_t index) {
-    return candidates[index].kernels->name;
-}
-
-bool level_supported(std::size_t index) {
-    return candidates[index].supported(processor_features());
-}
-
-void force_level(std::string_view name) {
-    if (name.empty()) {
-        current_level() = best_level();
-        return;
-    }
-    for (std::size_t i = 0; i < candidate_count; ++i) {
-        if (name != level_name(i)) continue;
-        if (!level_supported(i)) {
-            throw InvalidParametersException("qmp::fft::force_level()",
-                                             "This processor does not run " + std::string(name) + ".");
-        }
-        current_level() = &prepared(i);
-        return;
-    }
-    throw InvalidParametersException("qmp::fft::force_level()", "No such level: " + std::string(name));
+    return prepared(InstructionLevel::sse2);
 }
 
 }  // namespace qmp::fft

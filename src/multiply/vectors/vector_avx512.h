@@ -38,6 +38,9 @@ struct VectorAvx512 {
 
     static KERNEL_INLINE Real load(const double* p) { return _mm512_loadu_pd(p); }
     static KERNEL_INLINE void store(double* p, Real x) { _mm512_storeu_pd(p, x); }
+    // Past the caches, to an aligned address; fence() orders such stores before what follows.
+    static KERNEL_INLINE void stream(double* p, Real x) { _mm512_stream_pd(p, x); }
+    static KERNEL_INLINE void fence() { _mm_sfence(); }
     static KERNEL_INLINE Real set(double x) { return _mm512_set1_pd(x); }
     static KERNEL_INLINE Real add(Real a, Real b) { return _mm512_add_pd(a, b); }
     static KERNEL_INLINE Real sub(Real a, Real b) { return _mm512_sub_pd(a, b); }

@@ -22,6 +22,9 @@ struct VectorScalar {
         p[1] = x.high;
     }
     static KERNEL_INLINE Real set(double x) { return {x, x}; }
+    // As the other types' stores past the caches.
+    static KERNEL_INLINE void stream(double* p, Real x) { store(p, x); }
+    static KERNEL_INLINE void fence() {}
     static KERNEL_INLINE Real add(Real a, Real b) { return {a.low + b.low, a.high + b.high}; }
     static KERNEL_INLINE Real sub(Real a, Real b) { return {a.low - b.low, a.high - b.high}; }
     static KERNEL_INLINE Real mul(Real a, Real b) { return {a.low * b.low, a.high * b.high}; }

@@ -16,6 +16,9 @@ struct VectorSse2 {
 
     static KERNEL_INLINE Real load(const double* p) { return _mm_loadu_pd(p); }
     static KERNEL_INLINE void store(double* p, Real x) { _mm_storeu_pd(p, x); }
+    // Past the caches, to an aligned address; fence() orders such stores before what follows.
+    static KERNEL_INLINE void stream(double* p, Real x) { _mm_stream_pd(p, x); }
+    static KERNEL_INLINE void fence() { _mm_sfence(); }
     static KERNEL_INLINE Real set(double x) { return _mm_set1_pd(x); }
     static KERNEL_INLINE Real add(Real a, Real b) { return _mm_add_pd(a, b); }
     static KERNEL_INLINE Real sub(Real a, Real b) { return _mm_sub_pd(a, b); }

@@ -47,6 +47,7 @@ struct Kernels {
 
 extern const Kernels kernels_scalar;
 extern const Kernels kernels_sse2;
+extern const Kernels kernels_fma4;
 extern const Kernels kernels_avx2;
 extern const Kernels kernels_avx512;
 

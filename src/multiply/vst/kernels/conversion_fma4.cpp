@@ -1,0 +1,9 @@
+#include "multiply/vectors/vector_fma4.h"
+#include "multiply/vst/kernels/conversion_set.h"
+#include "multiply/vst/kernels/double_limbs.h"
+
+namespace qmp::vst {
+
+constexpr ConversionKernels conversion_fma4 = conversion_set<VectorFma4, DoubleLimbs>();
+
+}  // namespace qmp::vst

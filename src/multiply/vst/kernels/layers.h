@@ -1,0 +1,255 @@
+// Layers of the transform over blocks of whole vectors.
+#pragma once
+
+#include "multiply/vst/kernels/radix.h"
+#include "multiply/vst/kernels/transform_kernels.h"
+
+namespace {
+
+template <typename V>
+KERNEL_INLINE Modulus<V> modulus_of(const qmp::vst::PrimeModulus& modulus) {
+    return {V::set(modulus.prime), V::set(modulus.inverse)};
+}
+
+template <typename V>
+KERNEL_INLINE Factor<V> broadcast(const qmp::vst::NodeFactors& factors, std::uint64_t index) {
+    return {V::set(factors.values[index]), V::set(factors.quotients[index])};
+}
+
+// The factors of two layers below node b of layer l.
+template <typename V>
+struct QuarterFactors {
+    Factor<V> top, left, right;
+
+    KERNEL_INLINE QuarterFactors(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b) {
+        const std::uint64_t index = (std::uint64_t{1} << l) + b;
+        top = broadcast<V>(factors, index);
+        left = broadcast<V>(factors, 2 * index);
+        right = broadcast<V>(factors, 2 * index + 1);
+    }
+    KERNEL_INLINE Factor<V> operator()(int layer, int node) const {
+        if (layer == 0) return top;
+        if (node == 0) return left;
+        return right;
+    }
+};
+
+template <typename V>
+struct HalfFactor {
+    Factor<V> factor;
+
+    KERNEL_INLINE HalfFactor(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b)
+        : factor(broadcast<V>(factors, (std::uint64_t{1} << l) + b)) {}
+    KERNEL_INLINE Factor<V> operator()(int, int) const { return factor; }
+};
+
+template <typename V, int Log>
+struct StepFactors;
+template <typename V>
+struct StepFactors<V, 1> : HalfFactor<V> {
+    using HalfFactor<V>::HalfFactor;
+};
+template <typename V>
+struct StepFactors<V, 2> : QuarterFactors<V> {
+    using QuarterFactors<V>::QuarterFactors;
+};
+
+// What a pass does with the vectors of its parts.
+template <typename V, int Log, typename Body>
+KERNEL_INLINE void for_columns(double* data, std::uint64_t part, const Body& body) {
+    for (std::uint64_t i = 0; i < part; i += V::lanes) {
+        typename V::Real x[1 << Log];
+        for (int k = 0; k < 1 << Log; ++k) x[k] = V::load(data + static_cast<std::uint64_t>(k) * part + i);
+        body(x);
+        for (int k = 0; k < 1 << Log; ++k) V::store(data + static_cast<std::uint64_t>(k) * part + i, x[k]);
+    }
+}
+
+// Log layers of the nodes [first, first + count) of layer l, each of 2^Log parts.
+template <typename V, int Log, bool Reduce>
+void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+    // Copies that no store to the data can be taken to change.
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
+            forward_radix<V, Reduce>(x, m, w);
+        });
+    }
+}
+
+template <typename V, int Log>
+void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
+            inverse_radix<V>(x, m, w);
+        });
+    }
+}
+
+// The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 1, outputs at most 4.
+template <typename V>
+void forward_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFactors& factors,
+                     const Modulus<V>& m) {
+    using Real = typename V::Real;
+    const Factor<V> i = broadcast<V>(factors, 3);
+    for_columns<V, 2>(data, part, [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
+        const Real a = V::add(x[0], x[2]), b = V::sub(x[0], x[2]);
+        const Real c = V::add(x[1], x[3]);
+        const Real d = m.multiply(V::sub(x[1], x[3]), i);
+        x[0] = V::add(a, c);
+        x[1] = V::sub(a, c);
+        x[2] = V::add(b, d);
+        x[3] = V::sub(b, d);
+    });
+}
+
+template <typename V>
+void inverse_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFactors& factors,
+                     const Modulus<V>& m) {
+    using Real = typename V::Real;
+    const Factor<V> i = broadcast<V>(factors, 3);
+    for_columns<V, 2>(data, part, [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
+        const Real a = V::add(x[0], x[1]), b = V::sub(x[0], x[1]);
+        const Real c = V::add(x[2], x[3]);
+        const Real d = m.multiply(V::sub(x[2], x[3]), i);
+        x[0] = m.reduce(V::add(a, c));
+        x[2] = m.reduce(V::sub(a, c));
+        x[1] = m.reduce(V::add(b, d));
+        x[3] = m.reduce(V::sub(b, d));
+    });
+}
+
+// Doubles that are walked over pass by pass; longer blocks are cut first.
+constexpr std::uint64_t cached_doubles = 4096;
+
+// How many layers each pass takes: two, but one first when their number is odd. Three would not be faster:
+// the multiply-add units are the bound, not the loads.
+struct Steps {
+    const qmp::vst::Layers& layers;
+
+    bool trivial(int l) const { return l == 0 && layers.trivial_top && layers.layers >= 2; }
+    int bits(int l) const {
+        const int left = layers.layers - l;
+        return left % 2 == 0 || trivial(l) ? 2 : 1;
+    }
+    std::uint64_t part(int l, int step) const { return layers.unit << (layers.layers - l - step); }
+    bool cached(int l) const {
+        return layers.unit << (layers.layers - l) <= cached_doubles || l + bits(l) == layers.layers;
+    }
+};
+
+template <typename V>
+class ForwardLayers {
+  public:
+    ForwardLayers(const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus)
+        : steps_{layers}, m_(modulus_of<V>(modulus)) {}
+
+    // Node b of layer l with all below it. `low`: the inputs are at most 2.8.
+    void run(double* data, int l, std::uint64_t b, bool low) const {
+        if (l == steps_.layers.layers) return;
+        if (steps_.cached(l)) {
+            run_cached(data, l, b, low);
+            return;
+        }
+        const int bits = steps_.bits(l);
+        step(data, l, bits, b, 1, low);
+        const std::uint64_t part = steps_.part(l, bits);
+        for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
+            run(data + i * part, l + bits, (b << bits) + i, low_after(l, low));
+        }
+    }
+
+  private:
+    bool low_after(int l, bool low) const { return !low && !steps_.trivial(l); }
+
+    void run_cached(double* data, int l, std::uint64_t first, bool low) const {
+        std::uint64_t count = 1;
+        while (l < steps_.layers.layers) {
+            const int bits = steps_.bits(l);
+            step(data, l, bits, first, count, low);
+            low = low_after(l, low);
+            l += bits;
+            first <<= bits;
+            count <<= bits;
+        }
+    }
+    void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count, bool low) const {
+        const std::uint64_t part = steps_.part(l, bits);
+        const qmp::vst::NodeFactors& factors = steps_.layers.factors;
+        if (steps_.trivial(l)) {
+            forward_trivial<V>(data, part, factors, m_);
+        } else if (bits == 2) {
+            (low ? forward_pass<V, 2, false> : forward_pass<V, 2, true>)(data, part, l, first, count, factors,
+                                                                         m_);
+        } else {
+            (low ? forward_pass<V, 1, false> : forward_pass<V, 1, true>)(data, part, l, first, count, factors,
+                                                                         m_);
+        }
+    }
+
+    const Steps steps_;
+    const Modulus<V> m_;
+};
+
+template <typename V>
+class InverseLayers {
+  public:
+    InverseLayers(const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus)
+        : steps_{layers}, m_(modulus_of<V>(modulus)) {}
+
+    void run(double* data, int l, std::uint64_t b) const {
+        if (l == steps_.layers.layers) return;
+        if (steps_.cached(l)) {
+            run_cached(data, l, b, 1);
+            return;
+        }
+        const int bits = steps_.bits(l);
+        const std::uint64_t part = steps_.part(l, bits);
+        for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
+            run(data + i * part, l + bits, (b << bits) + i);
+        }
+        step(data, l, bits, b, 1);
+    }
+
+  private:
+    void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count) const {
+        if (l == steps_.layers.layers) return;
+        const int bits = steps_.bits(l);
+        run_cached(data, l + bits, first << bits, count << bits);
+        step(data, l, bits, first, count);
+    }
+    void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count) const {
+        const std::uint64_t part = steps_.part(l, bits);
+        const qmp::vst::NodeFactors& factors = steps_.layers.factors;
+        if (steps_.trivial(l)) {
+            inverse_trivial<V>(data, part, factors, m_);
+        } else if (bits == 2) {
+            inverse_pass<V, 2>(data, part, l, first, count, factors, m_);
+        } else {
+            inverse_pass<V, 1>(data, part, l, first, count, factors, m_);
+        }
+    }
+
+    const Steps steps_;
+    const Modulus<V> m_;
+};
+
+template <typename V>
+void forward_layers(double* data, const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus,
+                    bool low) {
+    ForwardLayers<V>(layers, modulus).run(data, 0, 0, low);
+}
+
+template <typename V>
+void inverse_layers(double* data, const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus) {
+    InverseLayers<V>(layers, modulus).run(data, 0, 0);
+}
+
+}  // namespace

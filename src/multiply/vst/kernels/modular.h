@@ -1,0 +1,74 @@
+// Arithmetic modulo a prime p, 2^49 < p < 2^50, on integers held by doubles, and the butterflies made of it.
+//
+// Bounds are in units of p; every value stays below 8 in magnitude, so below 2^53, hence exact. A product by
+// a table's factor leaves little more than one half (NUMERICS.md has the bounds).
+#pragma once
+
+#include "multiply/vectors/inline.h"
+
+namespace {
+
+// A fixed factor w, |w| <= 0.5525 p, with its quotient w / p to 0.6 units in the last place.
+template <typename V>
+struct Factor {
+    using Real = typename V::Real;
+    Real value;
+    Real quotient;
+
+    // Member by member: the compiler would copy the bytes in pieces that are not vectors.
+    Factor() = default;
+    KERNEL_INLINE Factor(Real v, Real q) : value(v), quotient(q) {}
+    KERNEL_INLINE Factor(const Factor& other) : value(other.value), quotient(other.quotient) {}
+    KERNEL_INLINE Factor& operator=(const Factor& other) {
+        value = other.value;
+        quotient = other.quotient;
+        return *this;
+    }
+};
+
+template <typename V>
+struct Modulus {
+    using Real = typename V::Real;
+    Real prime;
+    Real inverse;
+
+    KERNEL_INLINE Modulus(Real p, Real i) : prime(p), inverse(i) {}
+    KERNEL_INLINE Modulus(const Modulus& other) : prime(other.prime), inverse(other.inverse) {}
+
+    // x * w for |x| < 8: at most 1.3, and 0.9 for |x| <= 3.6.
+    KERNEL_INLINE Real multiply(Real x, const Factor<V>& w) const {
+        const Real high = V::mul(x, w.value);
+        const Real low = V::mul_sub(x, w.value, high);
+        const Real quotient = V::round(V::mul(x, w.quotient));
+        return V::add(V::neg_mul_add(quotient, prime, high), low);
+    }
+    // x * y for |x y| < 4: at most 1.75.
+    KERNEL_INLINE Real multiply(Real x, Real y) const {
+        const Real high = V::mul(x, y);
+        const Real low = V::mul_sub(x, y, high);
+        const Real quotient = V::round(V::mul(high, inverse));
+        return V::add(V::neg_mul_add(quotient, prime, high), low);
+    }
+    // At most 0.5 and a little.
+    KERNEL_INLINE Real reduce(Real x) const { return V::neg_mul_add(V::round(V::mul(x, inverse)), prime, x); }
+    // The table's form of a factor; a second step corrects the quotient.
+    KERNEL_INLINE Factor<V> factor(Real w) const {
+        const Real estimate = V::mul(w, inverse);
+        return {w, V::mul_add(V::neg_mul_add(estimate, prime, w), inverse, estimate)};
+    }
+
+    // (low, high) -> (low + w high, low - w high)
+    KERNEL_INLINE void forward(Real& low, Real& high, const Factor<V>& w) const {
+        const Real t = multiply(high, w);
+        high = V::sub(low, t);
+        low = V::add(low, t);
+    }
+    // (low, high) -> (low + high, w (low - high))
+    KERNEL_INLINE void inverse_step(Real& low, Real& high, const Factor<V>& w) const {
+        const Real t = V::sub(low, high);
+        low = V::add(low, high);
+        high = multiply(t, w);
+    }
+};
+
+}  // namespace

@@ -1,0 +1,74 @@
+#include "multiply/vst/plan.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace qmp::vst {
+namespace {
+
+// log2 of a row's points. Rows shorter than the longest leaf would share its preparation badly, rows much
+// longer than that would leave the second cache with both operands.
+int row_layers_of(std::uint32_t exponent) {
+    const int e = static_cast<int>(exponent);
+    if (e <= longest_leaf) return e;
+    return std::clamp((e + 4) / 2, longest_leaf, std::max(14, e - 14));
+}
+
+constexpr std::uint64_t row_padding = 8;
+constexpr std::uint64_t most_workspaces = 64;
+// Residues that one task should have at least.
+constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 14;
+
+std::uint64_t rounded_up(std::uint64_t n) {
+    return (n + 7) / 8 * 8;
+}
+
+}  // namespace
+
+int column_layers_of(std::uint32_t exponent) {
+    return static_cast<int>(exponent) - row_layers_of(exponent);
+}
+
+Plan::Plan(const SizeParams& params)
+    : size(params),
+      column_layers(column_layers_of(params.exponent)),
+      row_layers(row_layers_of(params.exponent)),
+      leaf_layers(std::min(row_layers, longest_leaf)),
+      rows(std::uint64_t{params.multiplier} << column_layers),
+      columns(std::uint64_t{1} << row_layers),
+      row_stride(columns + row_padding),
+      prime_stride(rows * row_stride),
+      point_bytes(point_bytes_of(params.primes)) {}
+
+std::uint32_t Plan::coefficient_bits() const {
+    return static_cast<std::uint32_t>(16 * point_bytes + std::bit_width(size.points()) + 1);
+}
+
+std::uint64_t Plan::row_roots_doubles() const {
+    return 2 * size.primes * rounded_up(rows);
+}
+
+std::uint64_t Plan::leaf_roots_doubles() const {
+    return 2 * size.primes * rounded_up(leaves_of_row());
+}
+
+std::uint64_t Plan::spills_words() const {
+    return rows * tiles() * spill_words;
+}
+
+std::uint64_t Plan::workspace_words() const {
+    // The three kinds of work in turn: operand to columns, rows, columns to product.
+    const std::uint64_t split = (chunks_of(size.primes) + 1) * tile_doubles();
+    const std::uint64_t leaves = rounded_up(rows_of_group() * leaves_of_row());
+    const std::uint64_t row = 2 * leaf_table_doubles + 4 * rounded_up(leaves_of_row()) +
+                              2 * leaves * (static_cast<std::uint64_t>(row_layers) + 1);
+    const std::uint64_t merge = size.primes * tile_doubles();
+    return std::max({split, row, merge});
+}
+
+std::uint64_t Plan::workspaces(std::uint64_t tasks) const {
+    const std::uint64_t useful = std::max<std::uint64_t>(size.points() * size.primes / residues_of_task, 1);
+    return std::max<std::uint64_t>(std::min({tasks, most_workspaces, useful, tiles()}), 1);
+}
+
+}  // namespace qmp::vst

@@ -1,0 +1,76 @@
+// The vector transform of whole operands, in memory.
+//
+// Three sweeps: operand to columns (split, reduce, transform the columns), rows (transform, multiply
+// pointwise, transform back), columns to product (transform back, recombine, add up). A product of two new
+// operands takes each operand once through memory in every sweep.
+#pragma once
+
+#include <cstdint>
+
+#include "multiply/multiply_context.h"
+#include "multiply/vst/column_tables.h"
+#include "multiply/vst/plan.h"
+#include "multiply/vst/roots.h"
+
+namespace qmp::vst {
+
+// The cyclic or the negacyclic convolution of one length, with the tables and the scratch that it needs.
+class Transform {
+  public:
+    // Throws LimitExceededException when the twiddle set does not cover the size and
+    // BufferTooSmallException when the scratch is too small, in the function's name.
+    Transform(const char* function, const Plan& plan, bool negacyclic, const MultiplyContext& context);
+
+    // Operand to columns. `bytes` of operand; everything above is zero.
+    void split(double* matrix, const void* operand, std::uint64_t bytes) const;
+    // The same for two operands of one product, in one go.
+    void split(double* matrix_a, const void* a, std::uint64_t bytes_a, double* matrix_b, const void* b,
+               std::uint64_t bytes_b) const;
+
+    // Rows. What is done to them, and whether the operands' rows have yet to be transformed.
+    void transform_rows(double* matrix) const;
+    void multiply_rows(double* a, const double* b) const;
+    void transform_and_multiply_rows(double* a, double* b) const;  // b may be a
+
+    // Columns to product: the bytes [first, end) of the product to `destination`; those near `first` may
+    // lack a carry from below it. The convolution is cyclic: what lies beyond it comes again at its start.
+    // ConvolutionFailedException when a coefficient is larger than operands can make it.
+    void merge(unsigned char* destination, std::uint64_t first, std::uint64_t end, double* matrix) const;
+    // All bytes of the residue modulo R^n + 1; true when it is R^n, and the bytes are zero then.
+    bool merge_negacyclic(unsigned char* destination, double* matrix) const;
+
+  private:
+    enum class RowWork { transform, multiply, transform_and_multiply };
+    struct Window;
+    struct LeafRoots;
+
+    // body(workspace, begin, end) for ranges of [0, units), each with a workspace of its own.
+    template <typename Body>
+    void for_units(std::uint64_t units, Body body) const;
+    const PrimeConstants& constants(std::uint32_t prime) const;
+
+    void prepare_roots() const;
+    void split_tile(double* matrix, const void* operand, std::uint64_t bytes, std::uint64_t tile,
+                    double* workspace) const;
+    void rows(double* a, double* b, RowWork work) const;
+    void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
+                       double* workspace) const;
+    double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,
+                      double* workspace) const;
+    std::int64_t merge_window(const Window& window, const double* matrix, std::uint64_t (&top)[4]) const;
+
+    const char* function_;
+    const Plan& plan_;
+    bool negacyclic_;
+    const MultiplyContext& context_;
+    const ColumnTables* tables_;
+    const TransformKernels& kernels_;
+    const ConversionKernels& conversion_;
+    std::uint64_t tasks_;
+    double* row_roots_;   // [direction][prime][row]
+    double* leaf_roots_;  // [direction][prime][leaf]
+    std::uint64_t* spills_;
+    double* workspaces_;
+};
+
+}  // namespace qmp::vst

@@ -1,0 +1,115 @@
+#include "multiply/vst/vst_algorithm.h"
+
+#include <algorithm>
+#include <optional>
+#include <span>
+
+#include "multiply/crt_mulp.h"
+#include "multiply/vst/vst_params.h"
+#include "multiply/vst/vst_transform_parameters.h"
+
+namespace qmp::vst {
+namespace {
+
+constexpr std::uint64_t largest_product_bits = 0x2400000000000;
+
+// Two transformed operands and the scratch of one operation.
+std::uint64_t row_words(const SizeParams& size, std::uint64_t tasks) {
+    const Plan plan(size);
+    return 2 * plan.operand_words() + plan.scratch_words(tasks);
+}
+
+// The most that any listed size up to this capacity needs.
+std::uint64_t scratch_bytes(const SizeParams& largest, std::uint64_t tasks) {
+    std::uint64_t words = row_words(largest, tasks);
+    for (const auto& list : {limit_tables.specialised, limit_tables.standard}) {
+        for (const LimitRow& row : list) {
+            const SizeParams size = limit_tables.size(row);
+            if (size.capacity_bits > largest.capacity_bits) break;
+            words = std::max(words, row_words(size, tasks));
+        }
+    }
+    return words * sizeof(Word);
+}
+
+// The same for products from two convolutions of half the length.
+std::uint64_t halved_bytes(const SizeParams& size, std::uint64_t tasks) {
+    const VstTransformParameters parameters(halved(size));
+    const Plan& plan = parameters.plan();
+    return (crt_mulp_scratch_words(parameters) + plan.scratch_words(tasks) - plan.scratch_words(1)) *
+           sizeof(Word);
+}
+
+// The row of one list that products of so many bits take; none when the list does not reach that far.
+std::optional<SizeParams> row_of(std::span<const LimitRow> list, std::uint64_t bits) {
+    for (const LimitRow& row : list) {
+        const SizeParams size = limit_tables.size(row);
+        if (size.capacity_bits >= bits) return size;
+    }
+    return {};
+}
+
+template <typename W>
+class VstAlgorithm final : public WordAlgorithm<W> {
+  public:
+    VstAlgorithm()
+        : WordAlgorithm<W>(largest_product_bits, "VST", "VST Algorithm", "VSTv2", "VST Algorithm") {}
+
+    std::uint64_t psize(std::uint64_t n, std::uint64_t tasks) const override {
+        return scratch_bytes(vst_params(8 * sizeof(W) * n), tasks);
+    }
+
+    std::uint64_t psize_halved(std::uint64_t n, std::uint64_t tasks) const override {
+        const std::uint64_t bits = 8 * sizeof(W) * n;
+        std::uint64_t bytes = halved_bytes(vst_params(bits), tasks);
+        for (const auto& list : {limit_tables.specialised, limit_tables.standard}) {
+            if (const auto size = row_of(list, bits)) bytes = std::max(bytes, halved_bytes(*size, tasks));
+        }
+        return bytes;
+    }
+
+    void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
+                  std::uint64_t lb) const override {
+        product("VstAlgorithm::multiply()", context, destination, 0, la + lb, a, la, b, lb);
+    }
+    void upper_product(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
+                       const W* a, std::uint64_t la, const W* b, std::uint64_t lb) const override {
+        product("VstAlgorithm::upper_product()", context, destination, skip, end, a, la, b, lb);
+    }
+    void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
+                      const W* a, std::uint64_t la) const override {
+        product("VstAlgorithm::upper_square()", context, destination, skip, end, a, la, a, la);
+    }
+    void upper_product_halved(const MultiplyContext& context, W* destination, std::uint64_t skip,
+                              std::uint64_t end, const W* a, std::uint64_t la, const W* b,
+                              std::uint64_t lb) const override {
+        const VstTransformParameters parameters(halved(vst_params(8 * sizeof(W) * (la + lb))));
+        CRT_mulp(context, parameters, destination, skip, end, a, la, b, lb);
+    }
+    const TransformParameters& construct(TransformParametersBox& box, std::uint64_t n) const override {
+        return box.emplace<VstTransformParameters>(vst_params(64 * n));
+    }
+
+  private:
+    static void product(const char* function, const MultiplyContext& context, W* destination,
+                        std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
+                        std::uint64_t lb) {
+        const VstTransformParameters parameters(vst_params(8 * sizeof(W) * (la + lb)));
+        parameters.product(function, context, destination, sizeof(W) * first, sizeof(W) * end, a,
+                           sizeof(W) * la, b, sizeof(W) * lb);
+    }
+};
+
+}  // namespace
+
+const Algorithm32& algorithm32() {
+    static const VstAlgorithm<std::uint32_t> algorithm;
+    return algorithm;
+}
+
+const Algorithm64& algorithm64() {
+    static const VstAlgorithm<std::uint64_t> algorithm;
+    return algorithm;
+}
+
+}  // namespace qmp::vst

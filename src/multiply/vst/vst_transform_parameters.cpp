@@ -1,0 +1,91 @@
+#include "multiply/vst/vst_transform_parameters.h"
+
+#include "errors/check.h"
+#include "errors/fatal.h"
+#include "multiply/vst/transform.h"
+
+namespace qmp::vst {
+namespace {
+
+double* as_matrix(Word* buffer) {
+    return reinterpret_cast<double*>(buffer);
+}
+
+}  // namespace
+
+VstTransformParameters::VstTransformParameters(const SizeParams& size) : plan_(size) {
+    convolution_bits = size.capacity_bits;
+    operand_words = plan_.operand_words();
+    scratch_words = plan_.scratch_words(1);
+}
+
+void VstTransformParameters::transform(const char* function, const MultiplyContext& context,
+                                       Word* transformed, const Word* operand, std::uint64_t length,
+                                       bool negacyclic) const {
+    if (length > convolution_words()) invalid_function_parameters(function);
+    const Transform transform(function, plan_, negacyclic, context);
+    transform.split(as_matrix(transformed), operand, length * sizeof(Word));
+    transform.transform_rows(as_matrix(transformed));
+}
+
+void VstTransformParameters::forward(const MultiplyContext& context, Word* transformed, const Word* operand,
+                                     std::uint64_t length) const {
+    transform("VstTransformParameters::forward()", context, transformed, operand, length, false);
+}
+
+void VstTransformParameters::forward_for_square(const MultiplyContext& context, Word* transformed,
+                                                const Word* operand, std::uint64_t length) const {
+    transform("VstTransformParameters::forward_for_square()", context, transformed, operand, length, false);
+}
+
+void VstTransformParameters::forward_negacyclic(const MultiplyContext& context, Word* transformed,
+                                                const Word* operand, std::uint64_t length) const {
+    transform("VstTransformParameters::forward_negacyclic()", context, transformed, operand, length, true);
+}
+
+void VstTransformParameters::inverse_multiply(const MultiplyContext& context, Word* a, const Word* b,
+                                              Word* destination, std::uint64_t first,
+                                              std::uint64_t end) const {
+    constexpr const char* function = "VstTransformParameters::inverse_multiply()";
+    if (first > end || end > convolution_words()) invalid_function_parameters(function);
+    const Transform transform(function, plan_, false, context);
+    transform.multiply_rows(as_matrix(a), reinterpret_cast<const double*>(b));
+    transform.merge(reinterpret_cast<unsigned char*>(destination), first * sizeof(Word), end * sizeof(Word),
+                    as_matrix(a));
+}
+
+void VstTransformParameters::inverse_square(const MultiplyContext& context, Word* a, Word* destination,
+                                            std::uint64_t first, std::uint64_t end) const {
+    inverse_multiply(context, a, a, destination, first, end);
+}
+
+bool VstTransformParameters::inverse_multiply_negacyclic(const MultiplyContext& context, Word* a,
+                                                         const Word* b, Word* destination) const {
+    const Transform transform("VstTransformParameters::inverse_multiply_negacyclic()", plan_, true, context);
+    transform.multiply_rows(as_matrix(a), reinterpret_cast<const double*>(b));
+    return transform.merge_negacyclic(reinterpret_cast<unsigned char*>(destination), as_matrix(a));
+}
+
+bool VstTransformParameters::compatible_with(const TransformParameters& other) const {
+    const auto* vst = dynamic_cast<const VstTransformParameters*>(&other);
+    return vst && vst->plan_.size == plan_.size;
+}
+
+void VstTransformParameters::product(const char* function, const MultiplyContext& context, void* destination,
+                                     std::uint64_t first, std::uint64_t end, const void* a,
+                                     std::uint64_t bytes_a, const void* b, std::uint64_t bytes_b) const {
+    const bool square = a == b && bytes_a == bytes_b;
+    const MultiplyContext inner = context.after((square ? 1 : 2) * operand_words, function);
+    double* matrix_a = as_matrix(context.scratch);
+    double* matrix_b = square ? matrix_a : matrix_a + operand_words;
+    const Transform transform(function, plan_, false, inner);
+    if (square) {
+        transform.split(matrix_a, a, bytes_a);
+    } else {
+        transform.split(matrix_a, a, bytes_a, matrix_b, b, bytes_b);
+    }
+    transform.transform_and_multiply_rows(matrix_a, matrix_b);
+    transform.merge(static_cast<unsigned char*>(destination), first, end, matrix_a);
+}
+
+}  // namespace qmp::vst
