@@ -234,7 +234,7 @@ class VstMerge : public VstConversion {
         const std::uint64_t t =
             static_cast<std::uint64_t>(Wide{modulo(x, p)} * constants().cofactor_inverse[i] % p);
         const double least = t <= p / 2 ? static_cast<double>(t) : -static_cast<double>(p - t);
-        const double copies = random.next() % 2 == 0 ? 0 : static_cast<double>(random.next() % 5) - 2;
+        const double copies = random.next() % 2 == 0 ? 0 : static_cast<double>(random.next() % 11) - 5;
         return least + copies * static_cast<double>(p);
     }
 
@@ -455,7 +455,7 @@ TEST_P(VstConversionConstants, AreBalancedAndInvert) {
         for (std::uint32_t k = 0; k < primes; ++k) {
             if (k != i) cofactor = cofactor * prime_table[multiplier / 2][k].value % p;
         }
-        EXPECT_EQ(cofactor * constants.cofactor_inverse[i] % p, 1);
+        EXPECT_EQ(static_cast<std::uint64_t>(cofactor * constants.cofactor_inverse[i] % p), 1u);
         EXPECT_LT(constants.cofactor_inverse[i], p);
         for (std::uint32_t limb = 0; limb + 1 < primes; ++limb) {
             const double bound = std::ldexp(0.5, static_cast<int>(limb_width(primes, limb)));

@@ -28,6 +28,26 @@ struct FieldPickAvx512 {
 template <int Width, int Parity>
 constexpr FieldPickAvx512<Width, Parity> field_pick_avx512{};
 
+// Which 16-bit units of two vectors, the first ones of limbs Pair and Pair + 1 of eight points, make the 32
+// units from 32 * Part on of the points' limbs in a row, three units each; and which of those 32 they are.
+template <int Limbs, int Part, int Pair>
+struct LimbPickAvx512 {
+    alignas(64) std::uint16_t units[32];
+    std::uint32_t mask;
+
+    constexpr LimbPickAvx512() : units(), mask(0) {
+        for (int i = 0; i < 32; ++i) {
+            const int point = (32 * Part + i) / (3 * Limbs), limb = (32 * Part + i) / 3 % Limbs;
+            if (point >= 8 || limb / 2 != Pair / 2) continue;
+            mask |= std::uint32_t{1} << i;
+            units[i] = static_cast<std::uint16_t>(32 * (limb % 2) + 4 * point + (32 * Part + i) % 3);
+        }
+    }
+};
+
+template <int Limbs, int Part, int Pair>
+constexpr LimbPickAvx512<Limbs, Part, Pair> limb_pick_avx512{};
+
 alignas(64) constexpr std::int64_t reversed_lanes_avx512[8] = {7, 6, 5, 4, 3, 2, 1, 0};
 alignas(64) constexpr std::int64_t reversed_ranges_avx512[8] = {0, 1, 3, 2, 7, 6, 5, 4};
 
@@ -141,6 +161,19 @@ struct VectorAvx512 {
         for (int i = 0; i < 8; ++i) x[i] = _mm512_castpd_si512(y[i]);
     }
 
+    // Eight points of three or four limbs of 48 bits, packed; bits above a limb's 48 are ignored.
+    template <int Limbs>
+    static KERNEL_INLINE void store_limbs(unsigned char* target, const Bits (&x)[Limbs]) {
+        _mm512_storeu_si512(target, limb_units<Limbs, 0>(x));
+        _mm512_storeu_si512(target + 64, limb_units<Limbs, 1>(x));
+        if constexpr (Limbs == 4) {
+            _mm512_storeu_si512(target + 128, limb_units<Limbs, 2>(x));
+        } else {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(target + 128),
+                             _mm512_castsi512_si128(limb_units<Limbs, 2>(x)));
+        }
+    }
+
     // Elements [First, First + lanes) of a group of 16 points of Width bits: the even points and the odd
     // ones, as doubles less 2^(Width - 1).
     template <int Width, int First>
@@ -191,6 +224,17 @@ struct VectorAvx512 {
         y = _mm512_shuffle_f64x2(ab_low, cd_low, 0xdd);
         z = _mm512_shuffle_f64x2(ab_high, cd_high, 0x88);
         w = _mm512_shuffle_f64x2(ab_high, cd_high, 0xdd);
+    }
+
+    template <int Limbs, int Part>
+    static KERNEL_INLINE Bits limb_units(const Bits (&x)[Limbs]) {
+        static_assert(Limbs == 3 || Limbs == 4);
+        const auto& low = limb_pick_avx512<Limbs, Part, 0>;
+        const auto& high = limb_pick_avx512<Limbs, Part, 2>;
+        const Bits first = _mm512_permutex2var_epi16(x[0], _mm512_load_si512(low.units), x[1]);
+        const Bits units = _mm512_load_si512(high.units);
+        if constexpr (Limbs == 3) return _mm512_mask_permutexvar_epi16(first, high.mask, units, x[2]);
+        return _mm512_mask_blend_epi16(high.mask, first, _mm512_permutex2var_epi16(x[2], units, x[3]));
     }
 
     template <int Width, int Parity>

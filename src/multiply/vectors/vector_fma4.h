@@ -97,6 +97,9 @@ struct VectorFma4 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm_srli_epi64(a, Count);
     }
+    // Fixes where a value is computed: compilers otherwise put off sums until registers run out.
+    static KERNEL_INLINE void pin(Real& x) { asm("" : "+x"(x)); }
+    static KERNEL_INLINE void pin(Bits& x) { asm("" : "+x"(x)); }
     // Whether any bit of x is also one of mask.
     static KERNEL_INLINE bool any(Bits x, Bits mask) { return _mm_testz_si128(x, mask) == 0; }
     // The larger of `largest` and x or, where x is negative, not x, as signed numbers; largest >= 0.

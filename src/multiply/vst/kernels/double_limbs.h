@@ -71,7 +71,8 @@ class DoubleLimbs {
     static KERNEL_INLINE Bits carry_of(Bits limb) {
         return V::template shift_right<Width>(limb);
     }
-    // Limbs are stored as they are, byte by byte.
+    static constexpr bool stores_rows = false;
+    // Limbs are stored as they are.
     static constexpr std::uint64_t store_step = 6;
     static KERNEL_INLINE void pack(Bits (&)[piece]) {}
 
@@ -100,7 +101,7 @@ class DoubleLimbs {
 
   private:
     // Limbs whose sums are formed at the same time, as many as the registers hold.
-    static constexpr std::uint32_t group = V::lanes == 8 ? (Primes == 9 ? 3 : 4) : 2;
+    static constexpr std::uint32_t group = V::lanes == 2 ? 2 : Primes % 3 == 0 ? 3 : 4;
 
     // Limbs First and up. `upper`: the upper part of limb First - 1, biased.
     template <std::uint32_t First>

@@ -33,6 +33,11 @@ class IntegerLimbs {
     static KERNEL_INLINE Bits carry_of(Bits limb) {
         return V::template signed_shift_right<Width>(limb);
     }
+    // A whole row of limbs of 48 bits is stored at once.
+    static constexpr bool stores_rows = V::lanes == qmp::vst::tile_columns && width(0) == 48;
+    static KERNEL_INLINE void store_row(unsigned char* out, const Bits (&point)[piece]) {
+        V::template store_limbs<piece>(out, point);
+    }
     // Limbs of 60 bits are put together to 64 before they are stored.
     static constexpr std::uint64_t store_step = width(0) == 60 ? 8 : width(0) / 8;
     static KERNEL_INLINE void pack(Bits (&point)[piece]) {

@@ -1,8 +1,9 @@
 // The kernels of the vector transform, one table of them per instruction-set level.
 //
 // Residues are doubles that hold integers, balanced around zero and only roughly reduced; the bounds stand
-// with each kernel, in units of the prime, and are proved in NUMERICS.md. A tile is tile_columns
-// neighbouring columns of the transform, row by row: element (row, column) at row * tile_columns + column.
+// with each kernel, in units of the prime, and are proved in NUMERICS.md and, of the conversions, in
+// NUMERICS_CONVERSION.md. A tile is tile_columns neighbouring columns of the transform, row by row: element
+// (row, column) at row * tile_columns + column.
 #pragma once
 
 #include <cstdint>
@@ -92,7 +93,7 @@ struct MergeConstants {
     double wide_product_rounded[most_wide_limbs];
 };
 
-// Residue i of element (r, j) at residues[i * prime_stride + r * row_stride + j], |residue| <= 2.5: the
+// Residue i of element (r, j) at residues[i * prime_stride + r * row_stride + j], |residue| <= 5.5: the
 // numbers t(i) for which the coefficient is the sum of t(i) * P / prime[i] modulo P, of least magnitude.
 // Row r's coefficients are added up, each 24 * (primes - 1) bits above the one before: the lowest
 // tile_columns * point_bytes bytes of the sum to out + r * out_stride, nothing beyond them, and what is

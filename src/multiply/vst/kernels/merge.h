@@ -63,14 +63,18 @@ class TileMerger {
         for (std::uint32_t i = 0; i < piece; ++i) before.middle[i] = V::set_bits(Limbs::middle_bias(i));
         before.high = V::set_bits(Limbs::high_bias);
         before.carry = V::set_bits(0);
-        for (std::uint64_t j = 0; j < columns; j += V::lanes) merge_vector(residues + j, j, before, row);
+        for (std::uint64_t j = 0; j < columns; j += V::lanes) {
+            merge_vector(residues + j, tile_.out + r * tile_.out_stride, j, before, row);
+        }
 #pragma GCC unroll 4
         for (std::uint32_t i = 0; i < piece; ++i) V::store(row.middle[i], before.middle[i]);
         V::store(row.high, before.high);
         V::store(row.carry, before.carry);
     }
 
-    KERNEL_INLINE void merge_vector(const double* residues, std::uint64_t column, Before& before, Row& row) {
+    KERNEL_INLINE void merge_vector(const double* residues, [[maybe_unused]] unsigned char* out,
+                                    [[maybe_unused]] std::uint64_t column, Before& before,
+                                    [[maybe_unused]] Row& row) {
         Bits point[piece], middle[piece], high;
         Limbs::form(constants_, residues, tile_.prime_stride, point, middle, high);
         note_size(middle[piece - 1], high);
@@ -89,9 +93,13 @@ class TileMerger {
         point[0] = V::add(V::bit_and(point[0], V::set_bits(mask)), V::shift_one_lane(before.carry, carry));
         if (__builtin_expect(V::any(point[0], V::set_bits(~mask)), 0)) settle(point, carry);
         before.carry = carry;
-        Limbs::pack(point);
+        if constexpr (Limbs::stores_rows) {
+            Limbs::store_row(out, point);
+        } else {
+            Limbs::pack(point);
 #pragma GCC unroll 4
-        for (std::uint32_t i = 0; i < piece; ++i) V::store(row.point[i] + column, point[i]);
+            for (std::uint32_t i = 0; i < piece; ++i) V::store(row.point[i] + column, point[i]);
+        }
     }
 
     template <std::uint32_t R>
@@ -158,7 +166,7 @@ class TileMerger {
 
     KERNEL_INLINE void store_row(std::uint64_t r) const {
         const Row& row = rows_[r % 2];
-        store_bytes(tile_.out + r * tile_.out_stride, row);
+        if constexpr (!Limbs::stores_rows) store_bytes(tile_.out + r * tile_.out_stride, row);
         store_spill(tile_.spills + r * tile_.spill_stride, row);
     }
 
