@@ -6,8 +6,12 @@
 #define KERNEL_INLINE inline
 #define KERNEL_INLINE_LAMBDA
 #define KERNEL_UNROLLED __attribute__((noinline))
+#define KERNEL_UNROLL(Count)
 #else
 #define KERNEL_INLINE inline __attribute__((always_inline))
 #define KERNEL_INLINE_LAMBDA __attribute__((always_inline))
 #define KERNEL_UNROLLED KERNEL_INLINE
+// Before a loop of a known number of rounds.
+#define KERNEL_PRAGMA(Text) _Pragma(#Text)
+#define KERNEL_UNROLL(Count) KERNEL_PRAGMA(GCC unroll Count)
 #endif

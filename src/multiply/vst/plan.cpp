@@ -6,12 +6,13 @@
 namespace qmp::vst {
 namespace {
 
-// log2 of a row's points. Rows shorter than the longest leaf would share its preparation badly, rows much
-// longer than that would leave the second cache with both operands.
+// log2 of a row's points. Rows shorter than the longest leaf would share its preparation badly. Tiles of few
+// rows stay in the nearest cache and touch the matrix in few places; 32 rows (times the multiplier) where
+// rows of both operands still fit the second cache, which ends at 2^14 points. From there on both grow alike.
 int row_layers_of(std::uint32_t exponent) {
     const int e = static_cast<int>(exponent);
     if (e <= longest_leaf) return e;
-    return std::clamp((e + 4) / 2, longest_leaf, std::max(14, e - 14));
+    return std::max({longest_leaf, std::min(e - 5, 14), (e + 6) / 2});
 }
 
 constexpr std::uint64_t row_padding = 8;

@@ -118,8 +118,8 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
 
     // 1 / (points * P / p): the points' number divides p - 1.
     const ConversionConstants& conversion = conversion_constants(plan_.primes(), plan_.multiplier());
-    const std::uint64_t scale = multiply_modulo(p - (p - 1) / plan_.size.points(),
-                                                conversion.cofactor_inverse[prime], p);
+    const std::uint64_t scale =
+        multiply_modulo(p - (p - 1) / plan_.size.points(), conversion.cofactor_inverse[prime], p);
     const double scale_value = balanced(scale, p);
     const double scale_quotient = scale_value / static_cast<double>(p);
 

@@ -50,8 +50,7 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
     for (std::uint32_t prime = 0; prime < primes; ++prime) {
         const PrimeModulus& modulus = constants(prime).modulus;
         if (filled > 0) {
-            conversion_.reduce[chunks_of(primes)](buffer, chunks, filled,
-                                                  conversion.reduce[prime]);
+            conversion_.reduce[chunks_of(primes)](buffer, chunks, filled, conversion.reduce[prime]);
         }
         std::fill(buffer + filled * tile_columns, buffer + plan_.tile_doubles(), 0.0);
         kernels_.forward_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer,

@@ -19,18 +19,18 @@ template <typename V, int R, bool Inverse>
 KERNEL_INLINE void base_split(double* block, const double* roots) {
     constexpr int group = 2 * V::lanes;
     Complex<V> x[R];
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int s = 0; s < R; ++s) x[s] = load_complex<V>(block + s * group);
     if constexpr (Inverse) {
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (int s = 1; s < R; ++s) x[s] = times_conjugate(x[s], load_complex<V>(roots + (s - 1) * group));
     }
     dft_odd<R, Inverse>(x);
     if constexpr (!Inverse) {
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (int s = 1; s < R; ++s) x[s] = x[s] * load_complex<V>(roots + (s - 1) * group);
     }
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int s = 0; s < R; ++s) store_complex(block + s * group, x[s]);
 }
 
@@ -41,7 +41,7 @@ KERNEL_INLINE void base_square(double* part) {
     constexpr int stride = 2 * lanes * R;
     typename V::Real re[lanes], im[lanes];
     Complex<V> x[lanes];
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int i = 0; i < lanes; ++i) {
         re[i] = V::load(part + i * stride);
         im[i] = V::load(part + i * stride + lanes);
@@ -50,16 +50,16 @@ KERNEL_INLINE void base_square(double* part) {
         V::transpose(re);
         V::transpose(im);
     }
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int i = 0; i < lanes; ++i) x[i] = {re[i], im[i]};
     dft_lanes<Inverse, V>(x);
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int i = 0; i < lanes; ++i) re[i] = x[i].re, im[i] = x[i].im;
     if constexpr (Inverse) {
         V::transpose(re);
         V::transpose(im);
     }
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int i = 0; i < lanes; ++i) {
         V::store(part + i * stride, re[i]);
         V::store(part + i * stride + lanes, im[i]);

@@ -128,19 +128,19 @@ template <int R, bool Inverse, typename V>
 KERNEL_INLINE void dft_odd(Complex<V> (&x)[R]) {
     constexpr int half = (R - 1) / 2;
     Complex<V> sum[half], difference[half];
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (int t = 0; t < half; ++t) {
         sum[t] = x[t + 1] + x[R - 1 - t];
         difference[t] = x[t + 1] - x[R - 1 - t];
     }
     const Complex<V> first = x[0];
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (int t = 0; t < half; ++t) x[0] = x[0] + sum[t];
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (int s = 1; s <= half; ++s) {
         Complex<V> even = first;
         Complex<V> odd = {V::set(0.0), V::set(0.0)};
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (int t = 1; t <= half; ++t) {
             const int turns = s * t % R;
             const int index = turns <= half ? turns : R - turns;

@@ -39,10 +39,10 @@ class BlockMerger {
             // The last square may overlap the one before: the same words twice.
             const int first = i + lanes <= Width ? i : Width - lanes;
             typename V::Bits square[lanes];
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int j = 0; j < lanes; ++j) square[j] = V::load(words_[first + j]);
             V::transpose(square);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int l = 0; l < lanes; ++l) {
                 if (l < used) V::store(target + l * Width + first, square[l]);
             }
@@ -62,7 +62,7 @@ class BlockMerger {
     KERNEL_INLINE void take_elements(const double* const (&rows)[lanes]) {
         if constexpr (First < static_cast<int>(points_per_block / 2)) {
             typename V::Real even[lanes], odd[lanes];
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int l = 0; l < lanes; ++l) {
                 even[l] = V::load(rows[l] + 2 * First);
                 odd[l] = V::load(rows[l] + 2 * First + lanes);

@@ -75,18 +75,18 @@ void pass8(double* data, std::uint64_t length, std::uint64_t blocks, const doubl
         double* x = data + 2 * p;
         for (std::uint64_t block = 0; block < blocks; ++block, x += 2 * length) {
             Complex<V> y[8];
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int i = 0; i < 8; ++i) y[i] = load_complex<V>(x + i * part);
             if constexpr (Inverse) {
-#pragma GCC unroll 8
+                KERNEL_UNROLL(8)
                 for (int i = 1; i < 8; ++i) y[i] = times_conjugate(y[i], w[i]);
                 inverse_dft8(y);
             } else {
                 forward_dft8(y);
-#pragma GCC unroll 8
+                KERNEL_UNROLL(8)
                 for (int i = 1; i < 8; ++i) y[i] = y[i] * w[i];
             }
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int i = 0; i < 8; ++i) store_complex(x + i * part, y[i]);
         }
     }

@@ -77,7 +77,7 @@ class PointwiseRow {
         const int vectors = h == mirror ? lanes / 2 : lanes;
         for (int s = 0; s < R; ++s) {
             const Complex<V> part_turn = turn * load_complex<V>(base_turns + s * 2 * lanes);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int t = 0; t < lanes; ++t) {
                 if (t >= vectors) break;
                 const std::uint64_t here = offset(s, t), there = offset(R - 1 - s, lanes - 1 - t);
@@ -95,7 +95,7 @@ class PointwiseRow {
         const double* other = Square ? copy : b;
         for (int s = 0; s < R; ++s) {
             const Complex<V> turn = load_complex<V>(base_turns + s * 2 * lanes);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int t = 0; t < lanes; ++t) {
                 const std::uint64_t mirror = offset(R - 1 - s, lanes - 1 - t);
                 const std::uint64_t first =

@@ -10,17 +10,17 @@ template <typename V, int M>
 KERNEL_INLINE void multiply_leaves(typename V::Narrow (&c)[M], const typename V::Narrow (&a)[M],
                                    const typename V::Narrow (&b)[M], FactorVector<V> r,
                                    const Residues<V>& residues) {
-    typename V::Narrow wrapped[M];
-#pragma GCC unroll 8
+    typename V::Narrow wrapped[M]{};
+    KERNEL_UNROLL(8)
     for (int j = 1; j < M; ++j) wrapped[j] = residues.mul(b[j], r);
-#pragma GCC unroll 8
+    KERNEL_UNROLL(8)
     for (int s = 0; s < M; ++s) {
         const auto term = [&](int i) KERNEL_INLINE_LAMBDA {
             return V::wide_mul(a[i], i <= s ? b[s - i] : wrapped[s + M - i]);
         };
         // Two products stay below p 2^32, as p < 2^31.
         c[s] = residues.reduce(term(0));
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (int i = 1; i < M; i += 2) {
             c[s] = residues.add(c[s], residues.reduce(V::wide_add(term(i), term(i + 1))));
         }
@@ -37,7 +37,7 @@ void pointwise(std::uint32_t* a, const std::uint32_t* b, std::uint64_t row_strid
         for (int v = 0; v < V::lanes; ++v) {
             const std::uint64_t at = (tile << (2 * V::log_lanes)) + static_cast<std::uint64_t>(v * V::lanes);
             typename V::Narrow x[M], y[M], product[M];
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int j = 0; j < M; ++j) {
                 x[j] = V::load(a + row_stride * j + at);
                 y[j] = V::load(b + row_stride * j + at);
@@ -47,7 +47,7 @@ void pointwise(std::uint32_t* a, const std::uint32_t* b, std::uint64_t row_strid
             const auto leaf =
                 M == 1 ? twist : residues.mul(twist, V::set(v % 2 == 0 ? root : roots.modulus.prime - root));
             multiply_leaves<V, M>(product, x, y, residues.multiplier(leaf), residues);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int j = 0; j < M; ++j) V::store(a + row_stride * j + at, product[j]);
         }
     }

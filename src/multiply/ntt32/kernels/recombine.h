@@ -26,10 +26,10 @@ struct CoefficientShape {
 // The 64-bit words of numbers that are given in digits.
 template <typename V, int Digits, int Words>
 KERNEL_INLINE void pack_digits(typename V::Half (&words)[Words], const typename V::Half (&digits)[Digits]) {
-#pragma GCC unroll 5
+    KERNEL_UNROLL(5)
     for (int w = 0; w < Words; ++w) {
         words[w] = V::half_set(0);
-#pragma GCC unroll 10
+        KERNEL_UNROLL(10)
         for (int d = 0; d < Digits; ++d) {
             const int shift = digit_bits * d - 64 * w;
             if (shift <= -digit_bits || shift >= 64) continue;
@@ -46,7 +46,7 @@ KERNEL_INLINE void form_coefficients(typename V::Half (&words)[CoefficientShape<
     constexpr int digits = CoefficientShape<Primes>::digits;
     using Half = typename V::Half;
     Half quotient = V::half_set(std::uint64_t{1} << 35);
-#pragma GCC unroll 9
+    KERNEL_UNROLL(9)
     for (int i = 0; i < Primes; ++i) {
         quotient = V::half_add(quotient, V::half_mul_low(y[i], V::half_set(job.reciprocals[i])));
     }
@@ -55,10 +55,10 @@ KERNEL_INLINE void form_coefficients(typename V::Half (&words)[CoefficientShape<
     const Half mask = V::half_set((std::uint64_t{1} << digit_bits) - 1);
     Half carry = V::half_set(0);
     Half digit[digits];
-#pragma GCC unroll 10
+    KERNEL_UNROLL(10)
     for (int d = 0; d < digits; ++d) {
         Half sum = V::half_add(carry, V::half_mul_low(quotient, V::half_set(job.complement[d])));
-#pragma GCC unroll 9
+        KERNEL_UNROLL(9)
         for (int i = 0; i < Primes; ++i) {
             sum = V::half_add(sum, V::half_mul_low(y[i], V::half_set(job.cofactors[i][d])));
         }
@@ -79,7 +79,7 @@ class PointStream {
 
     KERNEL_INLINE void add(const std::uint64_t* coefficient, std::uint64_t stride) {
         unsigned char carry = 0;
-#pragma GCC unroll 5
+        KERNEL_UNROLL(5)
         for (int i = 0; i < words; ++i) {
             const unsigned __int128 sum =
                 static_cast<unsigned __int128>(sum_[i]) + coefficient[stride * i] + carry;
@@ -96,7 +96,7 @@ class PointStream {
         if (top > largest_) largest_ = top;
         __builtin_memcpy(product_, sum_, Shape::point_bits / 8);
         product_ += Shape::point_bits / 8;
-#pragma GCC unroll 5
+        KERNEL_UNROLL(5)
         for (int i = 0; i < words; ++i) {
             const int from = i + Shape::point_bits / 64;
             constexpr int shift = Shape::point_bits % 64;
@@ -126,7 +126,7 @@ RecombineResult recombine_points(const RecombineJob& job, std::uint64_t begin, s
     for (std::uint64_t column = begin; column < end; column += V::lanes) {
         for (std::uint64_t j = 0; j < m; ++j) {
             typename V::Narrow y[Primes];
-#pragma GCC unroll 9
+            KERNEL_UNROLL(9)
             for (std::uint64_t i = 0; i < Primes; ++i) {
                 const Residues<V> residues(job.moduli[i]);
                 y[i] = residues.mul(V::load(job.rows + job.row_stride * (i * m + j) + column),
@@ -134,10 +134,10 @@ RecombineResult recombine_points(const RecombineJob& job, std::uint64_t begin, s
             }
             for (int h = 0; h < V::halves; ++h) {
                 typename V::Half half[Primes], formed[words];
-#pragma GCC unroll 9
+                KERNEL_UNROLL(9)
                 for (int i = 0; i < Primes; ++i) half[i] = V::half(y[i], h);
                 form_coefficients<V, Primes>(formed, half, job);
-#pragma GCC unroll 5
+                KERNEL_UNROLL(5)
                 for (int i = 0; i < words; ++i) V::half_store(coefficients[j][h][i], formed[i]);
             }
         }

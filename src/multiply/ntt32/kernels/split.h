@@ -42,7 +42,7 @@ void split_points(const SplitJob& job, std::uint64_t begin, std::uint64_t end) {
                 const Residues<V> residues(job.moduli[i]);
                 for (std::uint64_t at = 0; at < column_group; at += V::lanes) {
                     auto sum = residues.mul(V::load(chunks[0] + at), broadcast<V>(job.chunk_weights[i][0]));
-#pragma GCC unroll 4
+                    KERNEL_UNROLL(4)
                     for (int c = 1; c < chunk_count; ++c) {
                         sum = residues.add(sum, residues.mul(V::load(chunks[c] + at),
                                                              broadcast<V>(job.chunk_weights[i][c])));

@@ -41,13 +41,13 @@ struct PlainFactors {
 template <typename V, bool Plain, typename Factors>
 KERNEL_INLINE void split_vectors(typename V::Narrow (&x)[V::lanes], const Factors& factors,
                                  const Residues<V>& residues) {
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (int l = 0; l < V::log_lanes; ++l) {
         const int half = V::lanes >> (l + 1);
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (int u = 0; u < 1 << l; ++u) {
             const auto factor = factors.at((1 << l) + u);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int i = 0; i < half; ++i) {
                 auto& a = x[2 * half * u + i];
                 auto& b = x[2 * half * u + half + i];
@@ -62,13 +62,13 @@ KERNEL_INLINE void split_vectors(typename V::Narrow (&x)[V::lanes], const Factor
 template <typename V, bool Plain, typename Factors>
 KERNEL_INLINE void join_vectors(typename V::Narrow (&x)[V::lanes], const Factors& factors,
                                 const Residues<V>& residues) {
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (int l = V::log_lanes - 1; l >= 0; --l) {
         const int half = V::lanes >> (l + 1);
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (int u = 0; u < 1 << l; ++u) {
             const auto factor = factors.at((1 << l) + u);
-#pragma GCC unroll 8
+            KERNEL_UNROLL(8)
             for (int i = 0; i < half; ++i) {
                 auto& a = x[2 * half * u + i];
                 auto& b = x[2 * half * u + half + i];
@@ -88,7 +88,7 @@ KERNEL_INLINE void twist_vectors(typename V::Narrow (&x)[V::lanes], const IndexT
         typename V::Narrow powers[V::lanes];
         powers[1] = look_up_vector<V>(table, node, residues).value;
         x[1] = residues.mul(x[1], powers[1]);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (int e = 2; e < V::lanes; ++e) {
             powers[e] = residues.mul(powers[e / 2], powers[e - e / 2]);
             x[e] = residues.mul(x[e], powers[e]);
@@ -102,13 +102,13 @@ KERNEL_INLINE void forward_tile(std::uint32_t* tile, std::uint64_t node, const R
                                 const Residues<V>& residues) {
     if constexpr (V::lanes > 1) {
         typename V::Narrow x[V::lanes];
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (int i = 0; i < V::lanes; ++i) x[i] = V::load(tile + i * V::lanes);
         split_vectors<V, false>(x, TileFactors<V>(roots.split, node, residues), residues);
         V::transpose(x);
         twist_vectors<V>(x, roots.twist, node << V::log_lanes, residues);
         split_vectors<V, true>(x, PlainFactors<V>{roots.split}, residues);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (int i = 0; i < V::lanes; ++i) V::store(tile + i * V::lanes, x[i]);
     }
 }
@@ -118,13 +118,13 @@ KERNEL_INLINE void inverse_tile(std::uint32_t* tile, std::uint64_t node, const R
                                 const Residues<V>& residues) {
     if constexpr (V::lanes > 1) {
         typename V::Narrow x[V::lanes];
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (int i = 0; i < V::lanes; ++i) x[i] = V::load(tile + i * V::lanes);
         join_vectors<V, true>(x, PlainFactors<V>{roots.split}, residues);
         twist_vectors<V>(x, roots.twist, node << V::log_lanes, residues);
         V::transpose(x);
         join_vectors<V, false>(x, TileFactors<V>(roots.split, node, residues), residues);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (int i = 0; i < V::lanes; ++i) V::store(tile + i * V::lanes, x[i]);
     }
 }

@@ -42,7 +42,7 @@ void turn_rows(const qmp::ntt64::Matrix& matrix, const qmp::ntt64::Roots& roots,
         const auto step = V::load(powers[chains] + l);
         std::uint64_t* p = data + l;
         for (std::uint64_t j = 0; j < matrix.columns; j += chains) {
-#pragma GCC unroll 4
+            KERNEL_UNROLL(4)
             for (int i = 0; i < chains; ++i, p += lanes) {
                 V::store(p, modular.mul_reduced(V::load(p), power[i]));
                 power[i] = modular.mul_reduced(power[i], step);
@@ -63,7 +63,7 @@ void split_rows(const qmp::ntt64::Roots& roots, std::uint64_t* data, std::uint64
         const auto first = V::load(p);
         typename V::Words sums[half], differences[half];
         auto total = first;
-#pragma GCC unroll 3
+        KERNEL_UNROLL(3)
         for (int i = 0; i < half; ++i) {
             const auto a = V::load(p + (i + 1) * part), b = V::load(p + (M - 1 - i) * part);
             sums[i] = modular.add(a, b);
@@ -73,7 +73,7 @@ void split_rows(const qmp::ntt64::Roots& roots, std::uint64_t* data, std::uint64
         V::store(p, total);
         for (int t = 0; t < half; ++t) {
             auto even = first, odd = V::set(0);
-#pragma GCC unroll 3
+            KERNEL_UNROLL(3)
             for (int i = 0; i < half; ++i) {
                 even = modular.add(even, modular.mul(sums[i], Factor<V>(roots.cosines[t][i])));
                 odd = modular.add(odd, modular.mul(differences[i], Factor<V>(roots.sines[t][i])));

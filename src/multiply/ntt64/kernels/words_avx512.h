@@ -36,22 +36,22 @@ struct WordsAvx512 {
     }
     static KERNEL_INLINE void transpose(std::uint64_t* to, const std::uint64_t* from) {
         Words pairs[8], fours[8];
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (int i = 0; i < 8; i += 2) {
             const Words a = load(from + 8 * i), b = load(from + 8 * i + 8);
             pairs[i] = _mm512_unpacklo_epi64(a, b);
             pairs[i + 1] = _mm512_unpackhi_epi64(a, b);
         }
         // Rows 2i and 2i + 1 next to each other: columns 0, 2, 4, 6 of the even vectors, then 1, 3, 5, 7.
-#pragma GCC unroll 2
+        KERNEL_UNROLL(2)
         for (int i = 0; i < 8; i += 4) {
-#pragma GCC unroll 2
+            KERNEL_UNROLL(2)
             for (int odd = 0; odd < 2; ++odd) {
                 fours[i + odd] = _mm512_shuffle_i64x2(pairs[i + odd], pairs[i + 2 + odd], 0x88);
                 fours[i + 2 + odd] = _mm512_shuffle_i64x2(pairs[i + odd], pairs[i + 2 + odd], 0xdd);
             }
         }
-#pragma GCC unroll 2
+        KERNEL_UNROLL(2)
         for (int odd = 0; odd < 2; ++odd) {
             store(to + 8 * odd, _mm512_shuffle_i64x2(fours[odd], fours[4 + odd], 0x88));
             store(to + 8 * (4 + odd), _mm512_shuffle_i64x2(fours[odd], fours[4 + odd], 0xdd));

@@ -89,7 +89,7 @@ class DoubleLimbs {
     static KERNEL_INLINE Real balance(const qmp::vst::MergeConstants& constants, const double* residues,
                                       std::uint64_t prime_stride, Real (&t)[Primes]) {
         Real turns = V::set(0);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t i = 0; i < Primes; ++i) {
             const Real x = V::load(residues + i * prime_stride);
             const Real inverse = V::set(constants.inverse[i]);
@@ -111,14 +111,14 @@ class DoubleLimbs {
         static_assert(biases_fit());
         constexpr std::uint32_t count = Primes - First < group ? Primes - First : group;
         Real sum[count], rest[count];
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t g = 0; g < count; ++g) {
             sum[g] = V::set(high_magic(First + g));
             rest[g] = V::set(low_magic(First + g));
         }
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t i = 0; i < Primes; ++i) {
-#pragma GCC unroll 4
+            KERNEL_UNROLL(4)
             for (std::uint32_t g = 0; g < count; ++g) {
                 const Real cofactor = V::set(constants.cofactor[i][First + g]);
                 const Real next = V::mul_add(t[i], cofactor, sum[g]);
@@ -127,7 +127,7 @@ class DoubleLimbs {
                 sum[g] = next;
             }
         }
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t g = 0; g < count; ++g) {
             constexpr std::uint32_t topmost = Primes - 1;
             const std::uint32_t limb = First + g;

@@ -52,7 +52,7 @@ class IntegerLimbs {
                                    std::uint64_t prime_stride, Bits (&low)[piece], Bits (&middle)[piece],
                                    Bits& high) {
         Sums sums;
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
             if (limb < topmost) sums.upper[limb] = V::set(magic);
             // The bias of the upper part of the limb below is taken off beforehand.
@@ -60,7 +60,7 @@ class IntegerLimbs {
         }
         Real t[Primes];
         Real turns = V::set(0);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t i = 0; i < Primes; ++i) {
             const Real x = V::load(residues + i * prime_stride);
             const Real inverse = V::set(constants.inverse[i]);
@@ -69,11 +69,11 @@ class IntegerLimbs {
             turns = i == 0 ? V::mul(t[i], inverse) : V::mul_add(t[i], inverse, turns);
             V::pin(turns);
         }
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t i = 0; i < Primes; ++i) add_products(constants, i, t[i], sums);
         subtract_turns(constants, V::round(turns), sums);
 
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
             Bits value = sums.lowest[limb];
             // The magic number's bits leave the word.
@@ -103,7 +103,7 @@ class IntegerLimbs {
     static KERNEL_INLINE void add_products(const qmp::vst::MergeConstants& constants, std::uint32_t i, Real t,
                                            Sums& sums) {
         const Bits integer = V::to_integers(t);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
             if (limb < topmost) {
                 const Real rounded = V::set(constants.wide_cofactor_rounded[i][limb]);
@@ -119,7 +119,7 @@ class IntegerLimbs {
     static KERNEL_INLINE void subtract_turns(const qmp::vst::MergeConstants& constants, Real turns,
                                              Sums& sums) {
         const Bits integer = V::to_integers(turns);
-#pragma GCC unroll 16
+        KERNEL_UNROLL(16)
         for (std::uint32_t limb = 0; limb <= topmost; ++limb) {
             if (turns_inside && limb < topmost) {
                 const Real rounded = V::set(constants.wide_product_rounded[limb]);

@@ -12,7 +12,7 @@
 
 namespace qmp::vst {
 
-constexpr std::uint64_t tile_columns = 8;
+constexpr std::uint64_t tile_columns = 32;
 
 // A point of 24 * (primes - 1) bits is cut into fields of 48 bits, the last one shorter: 3 or 4 of them.
 constexpr std::uint32_t chunk_bits = 48;

@@ -59,14 +59,14 @@ class TileMerger {
         const double* residues = tile_.residues + r * tile_.row_stride;
         Row& row = rows_[r % 2];
         Before before;
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t i = 0; i < piece; ++i) before.middle[i] = V::set_bits(Limbs::middle_bias(i));
         before.high = V::set_bits(Limbs::high_bias);
         before.carry = V::set_bits(0);
         for (std::uint64_t j = 0; j < columns; j += V::lanes) {
             merge_vector(residues + j, tile_.out + r * tile_.out_stride, j, before, row);
         }
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t i = 0; i < piece; ++i) V::store(row.middle[i], before.middle[i]);
         V::store(row.high, before.high);
         V::store(row.carry, before.carry);
@@ -78,7 +78,7 @@ class TileMerger {
         Bits point[piece], middle[piece], high;
         Limbs::form(constants_, residues, tile_.prime_stride, point, middle, high);
         note_size(middle[piece - 1], high);
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t i = 0; i < piece; ++i) {
             point[i] = V::add(point[i], V::shift_one_lane(before.middle[i], middle[i]));
             before.middle[i] = middle[i];
@@ -97,7 +97,7 @@ class TileMerger {
             Limbs::store_row(out, point);
         } else {
             Limbs::pack(point);
-#pragma GCC unroll 4
+            KERNEL_UNROLL(4)
             for (std::uint32_t i = 0; i < piece; ++i) V::store(row.point[i] + column, point[i]);
         }
     }
@@ -173,9 +173,9 @@ class TileMerger {
     // In ascending order: what a store writes beyond its limb is overwritten by the next.
     static KERNEL_INLINE void store_bytes(unsigned char* out, const Row& row) {
         constexpr std::uint64_t last_bytes = point_bytes - (piece - 1) * Limbs::store_step;
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (std::uint64_t j = 0; j < columns; ++j) {
-#pragma GCC unroll 4
+            KERNEL_UNROLL(4)
             for (std::uint32_t i = 0; i < piece; ++i) {
                 const bool last = j == columns - 1 && i == piece - 1;
                 __builtin_memcpy(out + j * point_bytes + i * Limbs::store_step, &row.point[i][j],
@@ -191,7 +191,7 @@ class TileMerger {
         Wide sum = static_cast<Wide>(without(row.high[last - 1], Limbs::high_bias)) +
                    static_cast<std::int64_t>(row.carry[last]);
         std::uint32_t words = 0;
-#pragma GCC unroll 8
+        KERNEL_UNROLL(8)
         for (std::uint32_t i = 0; i <= piece; ++i) {
             // Limbs of the last point's middle piece, then its high piece.
             const std::uint32_t position = i < piece ? Limbs::width(0) * i : 24 * (Limbs::primes - 1);
@@ -202,7 +202,7 @@ class TileMerger {
             const std::int64_t limb = i < piece ? without(row.middle[i][last], Limbs::middle_bias(i)) : high;
             sum += static_cast<Wide>(limb) << (position - 64 * words);
         }
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (; words < qmp::vst::spill_words; sum >>= 64) spill[words++] = static_cast<std::uint64_t>(sum);
     }
     static KERNEL_INLINE std::int64_t without(std::uint64_t biased, std::uint64_t bias) {

@@ -20,14 +20,14 @@ void reduce(double* residues, const double* chunks, std::uint64_t rows,
     const Real inverse = V::set(constants.inverse);
     const Real magic = V::set(0x1.8p100);
     Real power[Chunks];
-#pragma GCC unroll 4
+    KERNEL_UNROLL(4)
     for (std::uint32_t c = 0; c < Chunks; ++c) power[c] = V::set(constants.powers[c]);
 
     const std::uint64_t count = rows * qmp::vst::tile_columns;
     for (std::uint64_t i = 0; i < count; i += V::lanes) {
         Real sum = magic;
         Real low = V::load(chunks + i);
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint32_t c = 1; c < Chunks; ++c) {
             const Real field = V::load(chunks + c * count + i);
             const Real next = V::mul_add(field, power[c], sum);

@@ -23,7 +23,7 @@ struct RowSplitter {
 
     // A row of points, all loads inside the buffer.
     static KERNEL_INLINE void run(double* target, std::uint64_t chunk_stride, const unsigned char* source) {
-#pragma GCC unroll 4
+        KERNEL_UNROLL(4)
         for (std::uint64_t j = 0; j < columns; j += V::lanes) {
             split_pair<0>(target + j, chunk_stride, source + j * point_bytes);
             split_pair<2>(target + j, chunk_stride, source + j * point_bytes);

@@ -12,6 +12,7 @@ void load_tile(double* tile, const double* matrix, std::uint64_t row_stride, std
     for (std::uint64_t r = 0; r < rows; ++r, tile += columns, matrix += row_stride) {
         // The next tile's piece of this row.
         __builtin_prefetch(matrix + columns, 0, 2);
+        for (std::uint64_t i = 8; i < columns; i += 8) __builtin_prefetch(matrix + columns + i, 0, 2);
         for (std::uint64_t i = 0; i < columns; i += V::lanes) V::store(tile + i, V::load(matrix + i));
     }
 }
