@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(EveryLevel, VstConversion,
 template <std::size_t N>
 using Signed = std::array<std::uint64_t, N>;
 using Coefficient = Signed<8>;
-using RowSum = Signed<36>;
+using RowSum = Signed<3 * tile_columns + 12>;
 
 template <std::size_t N>
 bool negative(const Signed<N>& x) {
