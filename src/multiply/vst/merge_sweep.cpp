@@ -68,13 +68,16 @@ double Transform::merge_tile(const Window& window, const double* matrix, std::ui
     for (std::uint32_t prime = 0; prime < primes; ++prime) {
         const PrimeModulus& modulus = constants(prime).modulus;
         double* buffer = workspace + prime * plan_.tile_doubles();
-        kernels_.load_tile(buffer, matrix + prime * plan_.prime_stride + tile * tile_columns,
-                           plan_.row_stride, plan_.rows);
         for (std::uint32_t s = 0; s < plan_.multiplier(); ++s) {
             const bool trivial = plan_.multiplier() == 1 && !negacyclic_;
             const NodeFactors factors = tables_->factors(prime, negacyclic_, s, true);
-            kernels_.inverse_layers(buffer + s * subtree,
-                                    {tile_columns, plan_.column_layers, factors, trivial}, modulus);
+            // Only read.
+            double* first_row = const_cast<double*>(matrix) + prime * plan_.prime_stride +
+                                s * plan_.subtree_rows() * plan_.row_stride + tile * tile_columns;
+            kernels_.inverse_layers(
+                buffer + s * subtree,
+                {tile_columns, plan_.column_layers, factors, trivial, {first_row, plan_.row_stride}},
+                modulus);
         }
         kernels_.inverse_outer[index_of(plan_.multiplier())](buffer, subtree, constants(prime).outer,
                                                              negacyclic_, modulus);

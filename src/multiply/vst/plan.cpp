@@ -45,6 +45,16 @@ std::uint32_t Plan::coefficient_bits() const {
     return static_cast<std::uint32_t>(16 * point_bytes + std::bit_width(size.points()) + 1);
 }
 
+std::uint32_t Plan::primes_at_a_time() const {
+    // Cutting the operands into fields again for every few primes costs less than the way of their matrices
+    // to the memory and back, as long as the two matrices of one prime fit the last cache.
+    constexpr std::uint64_t second_cache = std::uint64_t{3} << 19, last_cache = std::uint64_t{1} << 22;
+    const std::uint64_t bytes_of_prime = 2 * prime_stride * sizeof(double);
+    if (bytes_of_prime > last_cache) return size.primes;
+    return static_cast<std::uint32_t>(
+        std::clamp<std::uint64_t>(second_cache / bytes_of_prime, 1, size.primes));
+}
+
 std::uint64_t Plan::row_roots_doubles() const {
     return 2 * size.primes * rounded_up(rows);
 }

@@ -40,6 +40,9 @@ struct Plan {
     // Coefficients are below 2^coefficient_bits, with a bit to spare for how they are measured.
     std::uint32_t coefficient_bits() const;
 
+    // How many primes a product of two new operands takes through its first two sweeps at a time.
+    std::uint32_t primes_at_a_time() const;
+
     std::uint64_t operand_words() const { return size.primes * prime_stride; }
 
     // Scratch of one operation: a part that all tasks share, and a workspace for each task at work.

@@ -71,23 +71,25 @@ struct Transform::LeafRoots {
 };
 
 void Transform::transform_rows(double* matrix) const {
-    rows(matrix, matrix, RowWork::transform);
+    rows(all_primes(), matrix, matrix, RowWork::transform);
 }
 
 void Transform::multiply_rows(double* a, const double* b) const {
-    rows(a, const_cast<double*>(b), RowWork::multiply);
+    rows(all_primes(), a, const_cast<double*>(b), RowWork::multiply);
 }
 
-void Transform::transform_and_multiply_rows(double* a, double* b) const {
-    rows(a, b, RowWork::transform_and_multiply);
+void Transform::transform_and_multiply_rows(PrimeRange primes, double* a, double* b) const {
+    rows(primes, a, b, RowWork::transform_and_multiply);
 }
 
-void Transform::rows(double* a, double* b, RowWork work) const {
-    prepare_roots();
+void Transform::rows(PrimeRange primes, double* a, double* b, RowWork work) const {
     const std::uint64_t groups = plan_.groups();
-    for_units(groups * plan_.primes(), [&](double* workspace, std::uint64_t begin, std::uint64_t end) {
+    for_units(groups * (primes.end - primes.begin), [&](double* workspace, std::uint64_t begin,
+                                                        std::uint64_t end) {
         for (std::uint64_t unit = begin; unit < end; ++unit) {
-            group_of_rows(a, b, work, static_cast<std::uint32_t>(unit / groups), unit % groups, workspace);
+            const std::uint64_t matrix = unit / groups * plan_.prime_stride;
+            group_of_rows(a + matrix, b + matrix, work,
+                          primes.begin + static_cast<std::uint32_t>(unit / groups), unit % groups, workspace);
         }
     });
 }
@@ -127,7 +129,7 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
     const Layers layers_down{leaf_points, row_layers, {down.values, down.quotients}, false};
     const Layers layers_back{leaf_points, row_layers, {back.values, back.quotients}, false};
     for (std::uint64_t row = 0; row < row_count; ++row) {
-        const std::uint64_t offset = prime * plan_.prime_stride + (first + row) * plan_.row_stride;
+        const std::uint64_t offset = (first + row) * plan_.row_stride;
         double* row_a = a + offset;
         double* row_b = b + offset;
         if (forward && row_layers > 0) {

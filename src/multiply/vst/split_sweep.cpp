@@ -12,27 +12,28 @@ constexpr std::uint64_t cached_bytes = std::uint64_t{24} << 20;
 
 void Transform::split(double* matrix, const void* operand, std::uint64_t bytes) const {
     for_units(plan_.tiles(), [&](double* workspace, std::uint64_t begin, std::uint64_t end) {
-        for (std::uint64_t tile = begin; tile < end; ++tile)
-            split_tile(matrix, operand, bytes, tile, workspace);
+        for (std::uint64_t tile = begin; tile < end; ++tile) {
+            split_tile(all_primes(), matrix, operand, bytes, tile, workspace);
+        }
     });
 }
 
-void Transform::split(double* matrix_a, const void* a, std::uint64_t bytes_a, double* matrix_b, const void* b,
-                      std::uint64_t bytes_b) const {
+void Transform::split(PrimeRange primes, double* matrix_a, const void* a, std::uint64_t bytes_a,
+                      double* matrix_b, const void* b, std::uint64_t bytes_b) const {
     for_units(2 * plan_.tiles(), [&](double* workspace, std::uint64_t begin, std::uint64_t end) {
         // The operands in turn, since the longer one costs more.
         for (std::uint64_t unit = begin; unit < end; ++unit) {
             if (unit % 2 == 0) {
-                split_tile(matrix_a, a, bytes_a, unit / 2, workspace);
+                split_tile(primes, matrix_a, a, bytes_a, unit / 2, workspace);
             } else {
-                split_tile(matrix_b, b, bytes_b, unit / 2, workspace);
+                split_tile(primes, matrix_b, b, bytes_b, unit / 2, workspace);
             }
         }
     });
 }
 
-void Transform::split_tile(double* matrix, const void* operand, std::uint64_t bytes, std::uint64_t tile,
-                           double* workspace) const {
+void Transform::split_tile(PrimeRange range, double* matrix, const void* operand, std::uint64_t bytes,
+                           std::uint64_t tile, double* workspace) const {
     const std::uint32_t primes = plan_.primes();
     const std::uint64_t points = (bytes + plan_.point_bytes - 1) / plan_.point_bytes;
     const std::uint64_t first_point = tile * tile_columns;
@@ -45,9 +46,9 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
             chunks, {static_cast<const unsigned char*>(operand), bytes, first_point, plan_.columns, filled});
     }
     const ConversionConstants& conversion = conversion_constants(primes, plan_.multiplier());
-    const bool past_caches = plan_.operand_words() * sizeof(Word) > cached_bytes;
+    const bool past_caches = 2 * (range.end - range.begin) * plan_.prime_stride * sizeof(Word) > cached_bytes;
     const std::uint64_t subtree = plan_.subtree_rows() * tile_columns;
-    for (std::uint32_t prime = 0; prime < primes; ++prime) {
+    for (std::uint32_t prime = range.begin; prime < range.end; ++prime) {
         const PrimeModulus& modulus = constants(prime).modulus;
         if (filled > 0) {
             conversion_.reduce[chunks_of(primes)](buffer, chunks, filled, conversion.reduce[prime]);
@@ -58,12 +59,13 @@ void Transform::split_tile(double* matrix, const void* operand, std::uint64_t by
         for (std::uint32_t s = 0; s < plan_.multiplier(); ++s) {
             const bool trivial = plan_.multiplier() == 1 && !negacyclic_;
             const NodeFactors factors = tables_->factors(prime, negacyclic_, s, false);
+            double* first_row = matrix + (prime - range.begin) * plan_.prime_stride +
+                                s * plan_.subtree_rows() * plan_.row_stride + first_point;
             kernels_.forward_layers(buffer + s * subtree,
-                                    {tile_columns, plan_.column_layers, factors, trivial}, modulus,
-                                    plan_.multiplier() == 1);
+                                    {tile_columns, plan_.column_layers, factors, trivial,
+                                     {first_row, plan_.row_stride, past_caches}},
+                                    modulus, plan_.multiplier() == 1);
         }
-        kernels_.store_tile(matrix + prime * plan_.prime_stride + first_point, plan_.row_stride, buffer,
-                            plan_.rows, past_caches);
     }
 }
 

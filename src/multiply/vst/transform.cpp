@@ -66,6 +66,7 @@ Transform::Transform(const char* function, const Plan& plan, bool negacyclic, co
     leaf_roots_ = row_roots_ + plan.row_roots_doubles();
     spills_ = context.scratch + plan.row_roots_doubles() + plan.leaf_roots_doubles();
     workspaces_ = reinterpret_cast<double*>(context.scratch + plan.shared_words());
+    prepare_roots();
 }
 
 void Transform::prepare_roots() const {

@@ -1,8 +1,8 @@
 // The vector transform of whole operands, in memory.
 //
 // Three sweeps: operand to columns (split, reduce, transform the columns), rows (transform, multiply
-// pointwise, transform back), columns to product (transform back, recombine, add up). A product of two new
-// operands takes each operand once through memory in every sweep.
+// pointwise, transform back), columns to product (transform back, recombine, add up). The first two can be
+// done for some of the primes at a time, so that what the first writes is still near for the second.
 #pragma once
 
 #include <cstdint>
@@ -21,16 +21,22 @@ class Transform {
     // BufferTooSmallException when the scratch is too small, in the function's name.
     Transform(const char* function, const Plan& plan, bool negacyclic, const MultiplyContext& context);
 
+    // Some of the primes; the matrices passed with it are those of `begin`, followed by the next ones'.
+    struct PrimeRange {
+        std::uint32_t begin, end;
+    };
+    PrimeRange all_primes() const { return {0, plan_.primes()}; }
+
     // Operand to columns. `bytes` of operand; everything above is zero.
     void split(double* matrix, const void* operand, std::uint64_t bytes) const;
     // The same for two operands of one product, in one go.
-    void split(double* matrix_a, const void* a, std::uint64_t bytes_a, double* matrix_b, const void* b,
-               std::uint64_t bytes_b) const;
+    void split(PrimeRange primes, double* matrix_a, const void* a, std::uint64_t bytes_a, double* matrix_b,
+               const void* b, std::uint64_t bytes_b) const;
 
     // Rows. What is done to them, and whether the operands' rows have yet to be transformed.
     void transform_rows(double* matrix) const;
     void multiply_rows(double* a, const double* b) const;
-    void transform_and_multiply_rows(double* a, double* b) const;  // b may be a
+    void transform_and_multiply_rows(PrimeRange primes, double* a, double* b) const;  // b may be a
 
     // Columns to product: the bytes [first, end) of the product to `destination`; those near `first` may
     // lack a carry from below it. The convolution is cyclic: what lies beyond it comes again at its start.
@@ -50,9 +56,10 @@ class Transform {
     const PrimeConstants& constants(std::uint32_t prime) const;
 
     void prepare_roots() const;
-    void split_tile(double* matrix, const void* operand, std::uint64_t bytes, std::uint64_t tile,
-                    double* workspace) const;
-    void rows(double* a, double* b, RowWork work) const;
+    void split_tile(PrimeRange primes, double* matrix, const void* operand, std::uint64_t bytes,
+                    std::uint64_t tile, double* workspace) const;
+    void rows(PrimeRange primes, double* a, double* b, RowWork work) const;
+    // a, b: the matrices of the prime.
     void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                        double* workspace) const;
     double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,

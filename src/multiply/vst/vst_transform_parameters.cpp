@@ -1,5 +1,7 @@
 #include "multiply/vst/vst_transform_parameters.h"
 
+#include <algorithm>
+
 #include "errors/check.h"
 #include "errors/fatal.h"
 #include "multiply/vst/transform.h"
@@ -81,10 +83,17 @@ void VstTransformParameters::product(const char* function, const MultiplyContext
     const Transform transform(function, plan_, false, inner);
     if (square) {
         transform.split(matrix_a, a, bytes_a);
+        transform.transform_and_multiply_rows(transform.all_primes(), matrix_a, matrix_a);
     } else {
-        transform.split(matrix_a, a, bytes_a, matrix_b, b, bytes_b);
+        // The second operand's matrices are used up at once, and its memory serves for the next primes.
+        const std::uint32_t step = plan_.primes_at_a_time();
+        for (std::uint32_t prime = 0; prime < plan_.primes(); prime += step) {
+            const Transform::PrimeRange range{prime, std::min(prime + step, plan_.primes())};
+            double* matrices_a = matrix_a + prime * plan_.prime_stride;
+            transform.split(range, matrices_a, a, bytes_a, matrix_b, b, bytes_b);
+            transform.transform_and_multiply_rows(range, matrices_a, matrix_b);
+        }
     }
-    transform.transform_and_multiply_rows(matrix_a, matrix_b);
     transform.merge(static_cast<unsigned char*>(destination), first, end, matrix_a);
 }
 

@@ -93,6 +93,77 @@ void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, 
     }
 }
 
+// The same with the results going to rows of a matrix: the last step of a tile's columns.
+template <typename V, int Log, bool Reduce>
+void forward_pass_to(const qmp::vst::MatrixRows& rows, const double* data, std::uint64_t part, int l,
+                     std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                     const Modulus<V>& modulus) {
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        double* row = rows.first + (b << Log) * rows.stride;
+        for (std::uint64_t i = 0; i < part; i += V::lanes) {
+            typename V::Real x[1 << Log];
+            for (int k = 0; k < 1 << Log; ++k)
+                x[k] = V::load(data + static_cast<std::uint64_t>(k) * part + i);
+            forward_radix<V, Reduce>(x, m, w);
+            for (int k = 0; k < 1 << Log; ++k) {
+                double* to = row + static_cast<std::uint64_t>(k) * rows.stride + i;
+                if (rows.past_caches) {
+                    V::stream(to, x[k]);
+                } else {
+                    V::store(to, x[k]);
+                }
+            }
+        }
+    }
+    if (rows.past_caches) V::fence();
+}
+
+// The same with the inputs coming from there, and the next tile's part of the same rows being called for.
+template <typename V, int Log>
+void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part, int l,
+                       std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                       const Modulus<V>& modulus) {
+    const qmp::vst::NodeFactors factors = tree;
+    const Modulus<V> m = modulus;
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        const double* row = rows.first + (b << Log) * rows.stride;
+        for (std::uint64_t i = 0; i < part; i += V::lanes) {
+            typename V::Real x[1 << Log];
+            for (int k = 0; k < 1 << Log; ++k) {
+                const double* from = row + static_cast<std::uint64_t>(k) * rows.stride + i;
+                x[k] = V::load(from);
+                if (i % 8 == 0) __builtin_prefetch(from + part, 0, 2);
+            }
+            inverse_radix<V>(x, m, w);
+            for (int k = 0; k < 1 << Log; ++k)
+                V::store(data + static_cast<std::uint64_t>(k) * part + i, x[k]);
+        }
+    }
+}
+
+template <typename V>
+void copy_to_rows(const qmp::vst::MatrixRows& rows, const double* data, std::uint64_t unit,
+                  std::uint64_t count) {
+    for (std::uint64_t r = 0; r < count; ++r) {
+        for (std::uint64_t i = 0; i < unit; i += V::lanes) {
+            V::store(rows.first + r * rows.stride + i, V::load(data + r * unit + i));
+        }
+    }
+}
+
+template <typename V>
+void copy_from_rows(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t unit, std::uint64_t count) {
+    for (std::uint64_t r = 0; r < count; ++r) {
+        for (std::uint64_t i = 0; i < unit; i += V::lanes) {
+            V::store(data + r * unit + i, V::load(rows.first + r * rows.stride + i));
+        }
+    }
+}
+
 // The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 1, outputs at most 4.
 template <typename V>
 void forward_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFactors& factors,
@@ -138,6 +209,12 @@ struct Steps {
     int bits(int l) const {
         const int left = layers.layers - l;
         return left % 2 == 0 || trivial(l) ? 2 : 1;
+    }
+    bool last(int l, int step) const { return l + step == layers.layers; }
+    bool goes_to_rows(int l, int step) const { return layers.rows.first && last(l, step) && !trivial(l); }
+    // Whether no step takes care of the rows, so that they have to be copied.
+    bool copies() const {
+        return layers.rows.first && (layers.layers == 0 || (trivial(0) && layers.layers == 2));
     }
     std::uint64_t part(int l, int step) const { return layers.unit << (layers.layers - l - step); }
     bool cached(int l) const {
@@ -185,6 +262,15 @@ class ForwardLayers {
         const qmp::vst::NodeFactors& factors = steps_.layers.factors;
         if (steps_.trivial(l)) {
             forward_trivial<V>(data, part, factors, m_);
+        } else if (steps_.goes_to_rows(l, bits)) {
+            const qmp::vst::MatrixRows& rows = steps_.layers.rows;
+            if (bits == 2) {
+                (low ? forward_pass_to<V, 2, false> : forward_pass_to<V, 2, true>)(rows, data, part, l, first,
+                                                                                   count, factors, m_);
+            } else {
+                (low ? forward_pass_to<V, 1, false> : forward_pass_to<V, 1, true>)(rows, data, part, l, first,
+                                                                                   count, factors, m_);
+            }
         } else if (bits == 2) {
             (low ? forward_pass<V, 2, false> : forward_pass<V, 2, true>)(data, part, l, first, count, factors,
                                                                          m_);
@@ -230,6 +316,9 @@ class InverseLayers {
         const qmp::vst::NodeFactors& factors = steps_.layers.factors;
         if (steps_.trivial(l)) {
             inverse_trivial<V>(data, part, factors, m_);
+        } else if (steps_.goes_to_rows(l, bits)) {
+            (bits == 2 ? inverse_pass_from<V, 2> : inverse_pass_from<V, 1>)(steps_.layers.rows, data, part, l,
+                                                                            first, count, factors, m_);
         } else if (bits == 2) {
             inverse_pass<V, 2>(data, part, l, first, count, factors, m_);
         } else {
@@ -245,10 +334,15 @@ template <typename V>
 void forward_layers(double* data, const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus,
                     bool low) {
     ForwardLayers<V>(layers, modulus).run(data, 0, 0, low);
+    if (Steps{layers}.copies())
+        copy_to_rows<V>(layers.rows, data, layers.unit, std::uint64_t{1} << layers.layers);
 }
 
 template <typename V>
 void inverse_layers(double* data, const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus) {
+    if (Steps{layers}.copies()) {
+        copy_from_rows<V>(layers.rows, data, layers.unit, std::uint64_t{1} << layers.layers);
+    }
     InverseLayers<V>(layers, modulus).run(data, 0, 0);
 }
 

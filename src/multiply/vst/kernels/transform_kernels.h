@@ -26,6 +26,13 @@ struct NodeFactors {
     const double* quotients;
 };
 
+// Rows elsewhere than in the data that is worked on.
+struct MatrixRows {
+    double* first = nullptr;  // none: the data stays where it is
+    std::uint64_t stride = 0;
+    bool past_caches = false;  // for writing
+};
+
 // Blocks of `unit` doubles (a multiple of the lanes): 2^layers of them, layer by layer.
 struct Layers {
     std::uint64_t unit;
@@ -33,6 +40,8 @@ struct Layers {
     NodeFactors factors;  // the inverses for the way back
     // The top has angle 0 and the inputs are at most 1: factors 1, 1 and the square root of -1.
     bool trivial_top;
+    // Where the blocks go with the last step down, or come from with the first one back.
+    MatrixRows rows = {};
 };
 
 // The constants of the first step, which cuts m * n into m blocks of n, m = 3, 5, 7: for k = 1 ..
@@ -61,12 +70,6 @@ struct TransformKernels {
     // Inputs at most 1.8, outputs at most 5.5.
     void (*inverse_outer[4])(double* data, std::uint64_t block, const OuterFactors& factors, bool negacyclic,
                              const PrimeModulus& modulus);
-
-    // Rows of a tile, one vector of the widest level each, from the rows of a matrix and back. The way to the
-    // matrix may go past the caches.
-    void (*load_tile)(double* tile, const double* matrix, std::uint64_t row_stride, std::uint64_t rows);
-    void (*store_tile)(double* matrix, std::uint64_t row_stride, const double* tile, std::uint64_t rows,
-                       bool past_caches);
 
     // For each of `count` numbers r (a multiple of 8): r^(2^i) to powers[i * count ..], i < steps. Inputs and
     // outputs at most 0.51.

@@ -3,7 +3,6 @@
 
 #include "multiply/vst/kernels/leaf.h"
 #include "multiply/vst/kernels/outer.h"
-#include "multiply/vst/kernels/tile.h"
 #include "multiply/vst/kernels/transform_kernels.h"
 
 namespace {
@@ -22,8 +21,6 @@ constexpr qmp::vst::TransformKernels transform_set() {
     set.inverse_outer[1] = inverse_outer<V, 3>;
     set.inverse_outer[2] = inverse_outer<V, 5>;
     set.inverse_outer[3] = inverse_outer<V, 7>;
-    set.load_tile = load_tile<V>;
-    set.store_tile = store_tile<V>;
     set.square_chain = square_chain<V>;
     set.scale = scale<V>;
     set.leaf_table = leaf_table<V>;
