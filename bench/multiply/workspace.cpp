@@ -3,6 +3,7 @@
 #include <new>
 
 #include "multiply/multiply.h"
+#include "platform/os/memory.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 
 namespace bench {
@@ -23,7 +24,10 @@ std::uint64_t twiddle_bytes(std::uint64_t product_words) {
 }  // namespace
 
 AlignedWords::AlignedWords(std::uint64_t words)
-    : data_(static_cast<qmp::Word*>(::operator new((words + 1) * sizeof(qmp::Word), alignment))) {}
+    : data_(static_cast<qmp::Word*>(::operator new((words + 1) * sizeof(qmp::Word), alignment))) {
+    // As the program's own reservations.
+    qmp::os::prefer_large_pages(data_.get(), words * sizeof(qmp::Word));
+}
 
 void AlignedWords::Free::operator()(qmp::Word* words) const {
     ::operator delete(words, alignment);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 TEST(OsMemory, WhatIsAvailableIsPartOfTheWhole) {
@@ -17,6 +19,15 @@ TEST(OsMemory, WhatCanBeCommittedIsMoreThanThisTestAndLessThanTheAddressSpace) {
     if (most == 0) GTEST_SKIP() << "the system refuses by itself";
     EXPECT_GT(most, std::uint64_t{1} << 24);
     EXPECT_LT(most, std::uint64_t{1} << 47);
+}
+
+// A hint changes nothing that can be seen, wherever the memory starts and ends.
+TEST(OsMemory, LargePagesAreOnlyPreferred) {
+    std::vector<unsigned char> memory(1 << 20, 0x5a);
+    qmp::os::prefer_large_pages(memory.data() + 1, memory.size() - 2);
+    qmp::os::prefer_large_pages(memory.data() + 1, 5);
+    qmp::os::prefer_large_pages(memory.data(), 0);
+    EXPECT_EQ(memory, std::vector<unsigned char>(1 << 20, 0x5a));
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ int row_layers_of(std::uint32_t exponent) {
 
 constexpr std::uint64_t row_padding = 8;
 constexpr std::uint64_t most_workspaces = 64;
-// Residues that one task should have at least.
-constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 14;
+// Residues that one task should have at least: waking a thread for each sweep takes some 30 microseconds.
+constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 16;
 
 std::uint64_t rounded_up(std::uint64_t n) {
     return (n + 7) / 8 * 8;
@@ -45,7 +45,9 @@ std::uint32_t Plan::coefficient_bits() const {
     return static_cast<std::uint32_t>(16 * point_bytes + std::bit_width(size.points()) + 1);
 }
 
-std::uint32_t Plan::primes_at_a_time() const {
+std::uint32_t Plan::primes_at_a_time(std::uint64_t tasks) const {
+    // Tasks have to meet after every sweep.
+    if (tasks > 1) return size.primes;
     // Cutting the operands into fields again for every few primes costs less than the way of their matrices
     // to the memory and back, as long as the two matrices of one prime fit the last cache.
     constexpr std::uint64_t second_cache = std::uint64_t{3} << 19, last_cache = std::uint64_t{1} << 22;

@@ -41,7 +41,7 @@ struct Plan {
     std::uint32_t coefficient_bits() const;
 
     // How many primes a product of two new operands takes through its first two sweeps at a time.
-    std::uint32_t primes_at_a_time() const;
+    std::uint32_t primes_at_a_time(std::uint64_t tasks) const;
 
     std::uint64_t operand_words() const { return size.primes * prime_stride; }
 

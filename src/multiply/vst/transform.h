@@ -21,6 +21,9 @@ class Transform {
     // BufferTooSmallException when the scratch is too small, in the function's name.
     Transform(const char* function, const Plan& plan, bool negacyclic, const MultiplyContext& context);
 
+    // How many tasks it really runs with.
+    std::uint64_t tasks() const { return tasks_; }
+
     // Some of the primes; the matrices passed with it are those of `begin`, followed by the next ones'.
     struct PrimeRange {
         std::uint32_t begin, end;

@@ -86,7 +86,7 @@ void VstTransformParameters::product(const char* function, const MultiplyContext
         transform.transform_and_multiply_rows(transform.all_primes(), matrix_a, matrix_a);
     } else {
         // The second operand's matrices are used up at once, and its memory serves for the next primes.
-        const std::uint32_t step = plan_.primes_at_a_time();
+        const std::uint32_t step = plan_.primes_at_a_time(transform.tasks());
         for (std::uint32_t prime = 0; prime < plan_.primes(); prime += step) {
             const Transform::PrimeRange range{prime, std::min(prime + step, plan_.primes())};
             double* matrices_a = matrix_a + prime * plan_.prime_stride;

@@ -41,6 +41,7 @@ std::unique_ptr<HeapBlock> MallocAllocator::create_heap(std::uint64_t bytes, Bas
         return block;
     void* raw = std::malloc(bytes + overhead);
     if (!raw) return block;
+    os::prefer_large_pages(raw, bytes + overhead);
     block->base = place_behind_head(raw, 24, 64);
     write_guards(block->base, raw, bytes);
     fill_pages(block->base, bytes, parallelizer, tasks);

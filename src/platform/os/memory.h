@@ -15,4 +15,8 @@ std::uint64_t available_physical_memory();
 // with this first. 0 when the system does not tell, or refuses by itself what it cannot hold.
 std::uint64_t committable_memory();
 
+// Asks for pages as large as the system gives by itself, for memory that nothing has been written to yet:
+// large transforms touch many pages at once. A hint, without effect where the system has no such thing.
+void prefer_large_pages(void* memory, std::uint64_t bytes);
+
 }  // namespace qmp::os

@@ -1,6 +1,10 @@
 #include "platform/os/memory.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <string>
 
@@ -35,6 +39,14 @@ std::uint64_t committable_memory() {
     const std::uint64_t available = available_physical_memory();
     if (available == 0) return 0;
     return std::min(available + memory_line("SwapFree:"), control_group_memory_left());
+}
+
+void prefer_large_pages(void* memory, std::uint64_t bytes) {
+    // The hint is for whole pages.
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
+    const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
+    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 }
 
 }  // namespace qmp::os

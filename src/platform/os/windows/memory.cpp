@@ -27,4 +27,7 @@ std::uint64_t committable_memory() {
     return memory_status().ullAvailPageFile;
 }
 
+// Large pages are only had by asking for them when the memory is reserved.
+void prefer_large_pages(void*, std::uint64_t) {}
+
 }  // namespace qmp::os
