@@ -74,7 +74,7 @@ std::string sha256_of(const std::string& text) {
 class GoldenDigits : public testing::TestWithParam<Algorithm> {};
 
 TEST_P(GoldenDigits, FilesMatchTheReference) {
-    for (const std::uint64_t digits : {100, 1000, 10000}) {
+    for (const std::uint64_t digits : {100, 1000, 10000, 100000, 1000000}) {
         SCOPED_TRACE(digits);
         const auto reference = kelvara_test::reference_digits(GetParam().constant, digits);
         const Outcome result = run_session(GetParam(), digits, 2, "pushpool");

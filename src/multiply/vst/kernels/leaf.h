@@ -78,7 +78,9 @@ void leaf_table(double* table, const qmp::vst::LeafBase& base, int log_length, c
     double* record = table + 2 * nodes;
     const double* base_record = base.lanes;
     for (std::uint64_t group = 0; group < nodes / lanes; ++group) {
+        KERNEL_UNROLL(3)
         for (int s = 0; s < log_lanes<V>; ++s) {
+            KERNEL_UNROLL(4)
             for (int h = 0; h < 1 << s; ++h) {
                 store_factors<V>(record, record + lanes, base_record, factors[s], m);
                 record += 2 * lanes;
