@@ -33,6 +33,8 @@ std::vector<Point> scan(std::uint64_t tasks, double budget) {
     std::vector<Point> points;
     if (last < shortest) return points;
     const Workspace workspace(2 * last, tasks);
+    // The first sizes would pay for the memory's first use.
+    time_of(workspace, last, budget);
     for (auto n = static_cast<double>(shortest); n <= static_cast<double>(last); n *= step) {
         const auto words = static_cast<std::uint64_t>(n);
         points.push_back({words, time_of(workspace, words, budget)});

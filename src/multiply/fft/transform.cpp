@@ -7,7 +7,8 @@
 namespace qmp::fft {
 namespace {
 
-constexpr std::uint64_t points_per_task = std::uint64_t{1} << 15;
+// Shorter pieces of a pass take less time than waking the thread that would do them.
+constexpr std::uint64_t points_per_task = std::uint64_t{1} << 17;
 // Complex numbers in blocks that are taken pass by pass (64 KB). Larger blocks leave the nearest caches,
 // smaller ones share their twiddle factors less.
 constexpr std::uint64_t cached_length = 4096;
