@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "errors/check.h"
 #include "multiply/hybrid_ntt/hybrid_params.h"
 #include "multiply/hybrid_ntt/hybrid_transform_parameters.h"
 #include "multiply/hybrid_ntt/size_tables.h"
+#include "multiply/transform_algorithm.h"
 
 namespace qmp::hybrid_ntt {
 namespace {
@@ -55,49 +55,28 @@ const MemoryTable& memory_table() {
 }
 
 template <typename W>
-class HybridAlgorithm final : public WordAlgorithm<W> {
+class HybridAlgorithm final : public TransformAlgorithm<W> {
   public:
-    HybridAlgorithm() : WordAlgorithm<W>(largest_product_bits, "HNT", "Hybrid NTT", "HNTs", "original") {}
+    HybridAlgorithm()
+        : TransformAlgorithm<W>({"HybridAlgorithm::multiply()", "HybridAlgorithm::upper_product()",
+                                 "HybridAlgorithm::upper_square()"},
+                                largest_product_bits, "HNT", "Hybrid NTT", "HNTs", "original") {}
 
     std::uint64_t psize(std::uint64_t n, std::uint64_t) const override {
         return 8 * memory_table().words(8 * sizeof(W) * n);
     }
 
-    void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
-                  std::uint64_t lb) const override {
-        product("HybridAlgorithm::multiply()", context, destination, 0, la + lb, a, la, b, lb);
-    }
-    void upper_product(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                       const W* a, std::uint64_t la, const W* b, std::uint64_t lb) const override {
-        product("HybridAlgorithm::upper_product()", context, destination, skip, end, a, la, b, lb);
-    }
-    void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                      const W* a, std::uint64_t la) const override {
-        product("HybridAlgorithm::upper_square()", context, destination, skip, end, a, la, a, la);
-    }
-    using WordAlgorithm<W>::construct;
     const TransformParameters& construct(TransformParametersBox& box, std::uint64_t n) const override {
         return box.emplace<HybridTransformParameters>(n);
     }
 
-  private:
-    // Words [first, end) of a * b; a square when the operands are the same words.
-    static void product(const char* function, const MultiplyContext& context, W* destination,
-                        std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
-                        std::uint64_t lb) {
-        const std::uint64_t n = (sizeof(W) * (la + lb) + 7) / 8;
-        const HybridTransformParameters parameters(n);
-        parameters.require_twiddles(context);
-        const std::uint64_t operand = parameters.operand_words;
-        require_capacity(function, context.scratch_words, 2 * operand + parameters.scratch_words);
-        Word* transformed_a = context.scratch;
-        Word* transformed_b = a == b && la == lb ? transformed_a : transformed_a + operand;
-        const MultiplyContext inner = context.after(2 * operand, function);
-
-        parameters.forward_bytes(inner, transformed_a, a, sizeof(W) * la);
-        if (transformed_b != transformed_a) parameters.forward_bytes(inner, transformed_b, b, sizeof(W) * lb);
-        parameters.inverse_bytes(inner, transformed_a, transformed_b, destination, sizeof(W) * first,
-                                 sizeof(W) * end);
+  protected:
+    void product(const char* function, const MultiplyContext& context, void* destination, std::uint64_t first,
+                 std::uint64_t end, const void* a, std::uint64_t bytes_a, const void* b,
+                 std::uint64_t bytes_b) const override {
+        const HybridTransformParameters parameters(this->words_of_64_bits(bytes_a + bytes_b));
+        product_by(parameters, parameters.scratch_words, function, context, destination, first, end, a,
+                   bytes_a, b, bytes_b);
     }
 };
 

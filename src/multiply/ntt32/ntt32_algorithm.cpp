@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "errors/check.h"
 #include "multiply/ntt32/ntt32_params.h"
 #include "multiply/ntt32/ntt32_transform_parameters.h"
+#include "multiply/transform_algorithm.h"
 
 namespace qmp::ntt32 {
 namespace {
@@ -22,49 +22,28 @@ std::uint64_t words_needed(std::uint64_t bits) {
 }
 
 template <typename W>
-class Ntt32Algorithm final : public WordAlgorithm<W> {
+class Ntt32Algorithm final : public TransformAlgorithm<W> {
   public:
-    Ntt32Algorithm() : WordAlgorithm<W>(largest_product_bits, "N32", "32-bit NTT", "NTT32", "32-bit NTT") {}
+    Ntt32Algorithm()
+        : TransformAlgorithm<W>({"Ntt32Algorithm::multiply()", "Ntt32Algorithm::upper_product()",
+                                 "Ntt32Algorithm::upper_square()"},
+                                largest_product_bits, "N32", "32-bit NTT", "NTT32", "32-bit NTT") {}
 
     std::uint64_t psize(std::uint64_t n, std::uint64_t) const override {
         return 8 * words_needed(8 * sizeof(W) * n);
     }
 
-    void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
-                  std::uint64_t lb) const override {
-        product("Ntt32Algorithm::multiply()", context, destination, 0, la + lb, a, la, b, lb);
-    }
-    void upper_product(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                       const W* a, std::uint64_t la, const W* b, std::uint64_t lb) const override {
-        product("Ntt32Algorithm::upper_product()", context, destination, skip, end, a, la, b, lb);
-    }
-    void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                      const W* a, std::uint64_t la) const override {
-        product("Ntt32Algorithm::upper_square()", context, destination, skip, end, a, la, a, la);
-    }
-    using WordAlgorithm<W>::construct;
     const TransformParameters& construct(TransformParametersBox& box, std::uint64_t n) const override {
         return box.emplace<Ntt32TransformParameters>(n);
     }
 
-  private:
-    // Words [first, end) of a * b; a square when the operands are the same words.
-    static void product(const char* function, const MultiplyContext& context, W* destination,
-                        std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
-                        std::uint64_t lb) {
-        const std::uint64_t n = (sizeof(W) * (la + lb) + 7) / 8;
-        const Ntt32TransformParameters parameters(n);
-        parameters.require_twiddles(context);
-        const std::uint64_t operand = parameters.operand_words;
-        require_capacity(function, context.scratch_words, 2 * operand + parameters.scratch_words);
-        Word* transformed_a = context.scratch;
-        Word* transformed_b = a == b && la == lb ? transformed_a : transformed_a + operand;
-        const MultiplyContext inner = context.after(2 * operand, function);
-
-        parameters.forward_bytes(inner, transformed_a, a, sizeof(W) * la);
-        if (transformed_b != transformed_a) parameters.forward_bytes(inner, transformed_b, b, sizeof(W) * lb);
-        parameters.inverse_bytes(inner, transformed_a, transformed_b, destination, sizeof(W) * first,
-                                 sizeof(W) * end);
+  protected:
+    void product(const char* function, const MultiplyContext& context, void* destination, std::uint64_t first,
+                 std::uint64_t end, const void* a, std::uint64_t bytes_a, const void* b,
+                 std::uint64_t bytes_b) const override {
+        const Ntt32TransformParameters parameters(this->words_of_64_bits(bytes_a + bytes_b));
+        product_by(parameters, parameters.scratch_words, function, context, destination, first, end, a,
+                   bytes_a, b, bytes_b);
     }
 };
 

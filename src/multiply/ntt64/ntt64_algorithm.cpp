@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "errors/check.h"
 #include "multiply/crt_mulp.h"
 #include "multiply/ntt64/ntt64_params.h"
 #include "multiply/ntt64/ntt64_transform_parameters.h"
+#include "multiply/transform_algorithm.h"
 
 namespace qmp::ntt64 {
 namespace {
@@ -23,9 +23,12 @@ Ntt64TransformParameters half_length(std::uint64_t words) {
 }
 
 template <typename W>
-class Ntt64Algorithm final : public WordAlgorithm<W> {
+class Ntt64Algorithm final : public TransformAlgorithm<W> {
   public:
-    Ntt64Algorithm() : WordAlgorithm<W>(largest_product_bits, "N64", "64-bit NTT", "NTT64", "64-bit NTT") {}
+    Ntt64Algorithm()
+        : TransformAlgorithm<W>({"Ntt64Algorithm::multiply()", "Ntt64Algorithm::upper_product()",
+                                 "Ntt64Algorithm::upper_square()"},
+                                largest_product_bits, "N64", "64-bit NTT", "NTT64", "64-bit NTT") {}
 
     // Sizes with fewer primes may be the larger ones: the most that any product of up to n words needs.
     std::uint64_t psize(std::uint64_t n, std::uint64_t) const override {
@@ -46,18 +49,6 @@ class Ntt64Algorithm final : public WordAlgorithm<W> {
         return 8 * words;
     }
 
-    void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
-                  std::uint64_t lb) const override {
-        product("Ntt64Algorithm::multiply()", context, destination, 0, la + lb, a, la, b, lb);
-    }
-    void upper_product(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                       const W* a, std::uint64_t la, const W* b, std::uint64_t lb) const override {
-        product("Ntt64Algorithm::upper_product()", context, destination, skip, end, a, la, b, lb);
-    }
-    void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                      const W* a, std::uint64_t la) const override {
-        product("Ntt64Algorithm::upper_square()", context, destination, skip, end, a, la, a, la);
-    }
     void upper_product_halved(const MultiplyContext& context, W* destination, std::uint64_t skip,
                               std::uint64_t end, const W* a, std::uint64_t la, const W* b,
                               std::uint64_t lb) const override {
@@ -67,23 +58,13 @@ class Ntt64Algorithm final : public WordAlgorithm<W> {
         return box.emplace<Ntt64TransformParameters>(n);
     }
 
-  private:
-    // Words [first, end) of a * b; a square when the operands are the same words.
-    static void product(const char* function, const MultiplyContext& context, W* destination,
-                        std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
-                        std::uint64_t lb) {
-        const Ntt64TransformParameters parameters(product_words<W>(la + lb));
-        parameters.require_twiddles(context);
-        const std::uint64_t operand = parameters.operand_words;
-        require_capacity(function, context.scratch_words, 2 * operand + parameters.scratch_words);
-        Word* transformed_a = context.scratch;
-        Word* transformed_b = a == b && la == lb ? transformed_a : transformed_a + operand;
-        const MultiplyContext inner = context.after(2 * operand, function);
-
-        parameters.forward_bytes(inner, transformed_a, a, sizeof(W) * la);
-        if (transformed_b != transformed_a) parameters.forward_bytes(inner, transformed_b, b, sizeof(W) * lb);
-        parameters.inverse_bytes(inner, transformed_a, transformed_b, destination, sizeof(W) * first,
-                                 sizeof(W) * end);
+  protected:
+    void product(const char* function, const MultiplyContext& context, void* destination, std::uint64_t first,
+                 std::uint64_t end, const void* a, std::uint64_t bytes_a, const void* b,
+                 std::uint64_t bytes_b) const override {
+        const Ntt64TransformParameters parameters(this->words_of_64_bits(bytes_a + bytes_b));
+        product_by(parameters, parameters.scratch_words, function, context, destination, first, end, a,
+                   bytes_a, b, bytes_b);
     }
 };
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "multiply/crt_mulp.h"
+#include "multiply/transform_algorithm.h"
 #include "multiply/vst/vst_params.h"
 #include "multiply/vst/vst_transform_parameters.h"
 
@@ -50,10 +51,12 @@ std::optional<SizeParams> row_of(std::span<const LimitRow> list, std::uint64_t b
 }
 
 template <typename W>
-class VstAlgorithm final : public WordAlgorithm<W> {
+class VstAlgorithm final : public TransformAlgorithm<W> {
   public:
     VstAlgorithm()
-        : WordAlgorithm<W>(largest_product_bits, "VST", "VST Algorithm", "VSTv2", "VST Algorithm") {}
+        : TransformAlgorithm<W>(
+              {"VstAlgorithm::multiply()", "VstAlgorithm::upper_product()", "VstAlgorithm::upper_square()"},
+              largest_product_bits, "VST", "VST Algorithm", "VSTv2", "VST Algorithm") {}
 
     std::uint64_t psize(std::uint64_t n, std::uint64_t tasks) const override {
         return scratch_bytes(vst_params(8 * sizeof(W) * n), tasks);
@@ -68,18 +71,6 @@ class VstAlgorithm final : public WordAlgorithm<W> {
         return bytes;
     }
 
-    void multiply(const MultiplyContext& context, W* destination, const W* a, std::uint64_t la, const W* b,
-                  std::uint64_t lb) const override {
-        product("VstAlgorithm::multiply()", context, destination, 0, la + lb, a, la, b, lb);
-    }
-    void upper_product(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                       const W* a, std::uint64_t la, const W* b, std::uint64_t lb) const override {
-        product("VstAlgorithm::upper_product()", context, destination, skip, end, a, la, b, lb);
-    }
-    void upper_square(const MultiplyContext& context, W* destination, std::uint64_t skip, std::uint64_t end,
-                      const W* a, std::uint64_t la) const override {
-        product("VstAlgorithm::upper_square()", context, destination, skip, end, a, la, a, la);
-    }
     void upper_product_halved(const MultiplyContext& context, W* destination, std::uint64_t skip,
                               std::uint64_t end, const W* a, std::uint64_t la, const W* b,
                               std::uint64_t lb) const override {
@@ -90,13 +81,12 @@ class VstAlgorithm final : public WordAlgorithm<W> {
         return box.emplace<VstTransformParameters>(vst_params(64 * n));
     }
 
-  private:
-    static void product(const char* function, const MultiplyContext& context, W* destination,
-                        std::uint64_t first, std::uint64_t end, const W* a, std::uint64_t la, const W* b,
-                        std::uint64_t lb) {
-        const VstTransformParameters parameters(vst_params(8 * sizeof(W) * (la + lb)));
-        parameters.product(function, context, destination, sizeof(W) * first, sizeof(W) * end, a,
-                           sizeof(W) * la, b, sizeof(W) * lb);
+  protected:
+    void product(const char* function, const MultiplyContext& context, void* destination, std::uint64_t first,
+                 std::uint64_t end, const void* a, std::uint64_t bytes_a, const void* b,
+                 std::uint64_t bytes_b) const override {
+        const VstTransformParameters parameters(vst_params(8 * (bytes_a + bytes_b)));
+        parameters.product(function, context, destination, first, end, a, bytes_a, b, bytes_b);
     }
 };
 
