@@ -152,12 +152,51 @@ TEST_P(VstProduct, UpperProducts) {
     EXPECT_TRUE(own.guards_intact());
 }
 
+// From two convolutions of half the length: exact words, in less scratch.
+TEST_P(VstProduct, HalvedUpperProducts) {
+    constexpr std::uint64_t most = 6000;
+    TwiddledContext whole_context(shortest, qmp::fft::algorithm64().psize(most, 1));
+    TwiddledContext own(shortest, vst().psize_halved(most, 1));
+    EXPECT_LT(vst().psize_halved(most, 1), vst().psize(most, 1));
+    Random random(28);
+    for (int round = 0; round < 12; ++round) {
+        const std::uint64_t la = round == 0 ? most - 10 : random.between(1, most / 2);
+        const std::uint64_t lb = round == 0 ? 10 : random.between(1, most / 2);
+        const Pattern pattern = kelvara_test::all_patterns[round % 5];
+        const Words a = make_words(random, la, pattern), b = make_words(random, lb, pattern);
+        const Words whole = fft_product_of(whole_context.context(), a, b);
+        const std::uint64_t end = random.between(1, la + lb), skip = random.between(0, end - 1);
+        GuardedWords part(end - skip);
+        vst().upper_product_halved(own.context(), part.data(), skip, end, a.data(), la, b.data(), lb);
+        ASSERT_EQ(part.value(), Words(whole.begin() + skip, whole.begin() + end)) << la << " x " << lb;
+        ASSERT_TRUE(part.guards_intact());
+    }
+    EXPECT_TRUE(own.guards_intact());
+}
+
+TEST(VstLongProduct, HalvedByManyTasks) {
+    qmp::PushPoolParallelizer pool;
+    constexpr std::uint64_t n = 300000;
+    TwiddledContext own(n, std::max(vst().psize(n, 1), vst().psize_halved(n, 8)),
+                        ParallelContext::sequential(), fft_limit);
+    Random random(29);
+    const Words a = make_words(random, n / 2, Pattern::runs), b = make_words(random, n - n / 2);
+    const Words expected = product_of(own.context(), a, b);
+    for (std::uint64_t tasks : {1, 8}) {
+        GuardedWords product(n);
+        vst().upper_product_halved(own.context(ParallelContext{tasks, &pool}), product.data(), 0, n, a.data(),
+                                   a.size(), b.data(), b.size());
+        EXPECT_TRUE(product.value() == expected) << tasks << " tasks";
+        EXPECT_TRUE(product.guards_intact());
+    }
+}
+
 // Every window near the edges of a row of the transform's matrix, where pieces meet.
 TEST(VstWindows, EveryEdge) {
     const VstTransformParameters parameters(qmp::vst::limit_tables.size(7, 1, 12));
     const std::uint64_t n = parameters.convolution_words();
-    TwiddledContext own(shortest, std::max(scratch_bytes(parameters.plan().size, 1),
-                                           qmp::fft::algorithm64().psize(n, 1)));
+    TwiddledContext own(
+        shortest, std::max(scratch_bytes(parameters.plan().size, 1), qmp::fft::algorithm64().psize(n, 1)));
     Random random(22);
     const Words a = make_words(random, n / 2, Pattern::runs), b = make_words(random, n - n / 2);
     const Words whole = fft_product_of(own.context(), a, b);

@@ -1,8 +1,6 @@
 #include "multiply/vst/vst_algorithm.h"
 
 #include <algorithm>
-#include <optional>
-#include <span>
 
 #include "multiply/crt_mulp.h"
 #include "multiply/transform_algorithm.h"
@@ -20,34 +18,11 @@ std::uint64_t row_words(const SizeParams& size, std::uint64_t tasks) {
     return 2 * plan.operand_words() + plan.scratch_words(tasks);
 }
 
-// The most that any listed size up to this capacity needs.
-std::uint64_t scratch_bytes(const SizeParams& largest, std::uint64_t tasks) {
-    std::uint64_t words = row_words(largest, tasks);
-    for (const auto& list : {limit_tables.specialised, limit_tables.standard}) {
-        for (const LimitRow& row : list) {
-            const SizeParams size = limit_tables.size(row);
-            if (size.capacity_bits > largest.capacity_bits) break;
-            words = std::max(words, row_words(size, tasks));
-        }
-    }
-    return words * sizeof(Word);
-}
-
 // The same for products from two convolutions of half the length.
-std::uint64_t halved_bytes(const SizeParams& size, std::uint64_t tasks) {
+std::uint64_t halved_row_words(const SizeParams& size, std::uint64_t tasks) {
     const VstTransformParameters parameters(halved(size));
     const Plan& plan = parameters.plan();
-    return (crt_mulp_scratch_words(parameters) + plan.scratch_words(tasks) - plan.scratch_words(1)) *
-           sizeof(Word);
-}
-
-// The row of one list that products of so many bits take; none when the list does not reach that far.
-std::optional<SizeParams> row_of(std::span<const LimitRow> list, std::uint64_t bits) {
-    for (const LimitRow& row : list) {
-        const SizeParams size = limit_tables.size(row);
-        if (size.capacity_bits >= bits) return size;
-    }
-    return {};
+    return crt_mulp_scratch_words(parameters) + plan.scratch_words(tasks) - plan.scratch_words(1);
 }
 
 template <typename W>
@@ -58,17 +33,23 @@ class VstAlgorithm final : public TransformAlgorithm<W> {
               {"VstAlgorithm::multiply()", "VstAlgorithm::upper_product()", "VstAlgorithm::upper_square()"},
               largest_product_bits, "VST", "VST Algorithm", "VSTv2", "VST Algorithm") {}
 
+    // A shorter size may need more than the next one: the most that any product of up to n words needs.
     std::uint64_t psize(std::uint64_t n, std::uint64_t tasks) const override {
-        return scratch_bytes(vst_params(8 * sizeof(W) * n), tasks);
+        std::uint64_t words = 0;
+        limit_tables.visit_sizes_up_to(8 * this->bytes(n), [&](const SizeParams& size) {
+            words = std::max(words, row_words(size, tasks));
+        });
+        return words * sizeof(Word);
     }
-
+    // The larger of what the two lists need.
     std::uint64_t psize_halved(std::uint64_t n, std::uint64_t tasks) const override {
-        const std::uint64_t bits = 8 * sizeof(W) * n;
-        std::uint64_t bytes = halved_bytes(vst_params(bits), tasks);
-        for (const auto& list : {limit_tables.specialised, limit_tables.standard}) {
-            if (const auto size = row_of(list, bits)) bytes = std::max(bytes, halved_bytes(*size, tasks));
+        std::uint64_t words = 0;
+        for (const auto& rows : {limit_tables.specialised, limit_tables.standard}) {
+            limit_tables.visit_rows_up_to(rows, 8 * this->bytes(n), [&](const SizeParams& size) {
+                words = std::max(words, halved_row_words(size, tasks));
+            });
         }
-        return bytes;
+        return words * sizeof(Word);
     }
 
     void upper_product_halved(const MultiplyContext& context, W* destination, std::uint64_t skip,
