@@ -91,7 +91,6 @@ struct TransformKernels {
 };
 
 constexpr int longest_leaf = 10;  // log2 of its points
-constexpr int shortest_leaf = 6;
 
 // Doubles of a leaf's table: values and quotients of the nodes and of the lanes' records.
 constexpr std::uint64_t leaf_table_doubles = std::uint64_t{2} << longest_leaf;
