@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -60,6 +61,7 @@ class Folder {
 
 std::vector<Computation> computations(const Options& options) {
     std::vector<Computation> list;
+    std::set<std::string> used;
     for (const std::string& constant : options.constants) {
         std::vector<std::string> algorithms;
         for (const std::string& algorithm : options.algorithms) {
@@ -67,6 +69,7 @@ std::vector<Computation> computations(const Options& options) {
         }
         if (options.algorithms.empty()) algorithms.push_back(bench::first_algorithm(constant));
         if (algorithms.empty()) throw std::invalid_argument("None of the algorithms is one of " + constant);
+        used.insert(algorithms.begin(), algorithms.end());
         for (const std::string& algorithm : algorithms) {
             for (const std::uint64_t digits : options.digits) {
                 for (const std::uint64_t tasks : options.tasks) {
@@ -74,6 +77,9 @@ std::vector<Computation> computations(const Options& options) {
                 }
             }
         }
+    }
+    for (const std::string& algorithm : options.algorithms) {
+        if (!used.contains(algorithm)) throw std::invalid_argument("No such algorithm: " + algorithm);
     }
     return list;
 }
