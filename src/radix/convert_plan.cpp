@@ -25,20 +25,23 @@ ConvertPlanP::ConvertPlanP(Word base, std::uint64_t m, std::uint64_t tasks)
         status_ = invalid_base;
         return;
     }
+    base_bits_ = base_bits(base);
     for (; leaf_ >= convert_basecase_words; leaf_ = (leaf_ + 1) / 2) ++levels_;
     parallel_level_ = levels_;
     for (int j = levels_ - 1; j >= 0; --j) {
         Level& level = table_[static_cast<std::size_t>(j)];
         level.output_words = leaf_ << j;
         if (level.output_words >= parallel_half_words) parallel_level_ = j;
-        // The largest node of the level. Its product is longer than this, but what wraps around falls
-        // on words that no half needs.
-        construct_transform(level.parameters, fraction_words(j, std::min(2 * level.output_words, m_)));
+        level.power_zeros = power_zero_words(base, level.output_words);
+        // The fraction of the level's largest node, without the words that only reach the integer part. The
+        // product is longer, but what wraps around falls on words that no half needs.
+        construct_transform(level.parameters,
+                            fraction_words(j, std::min(2 * level.output_words, m_)) - level.power_zeros);
     }
 }
 
 std::uint64_t ConvertPlanP::fraction_words(int j, std::uint64_t m) const {
-    return power_whole_words(base_, m) + 2 * static_cast<std::uint64_t>(j + 2);
+    return words_of_digits(base_bits_, m) + 2 * static_cast<std::uint64_t>(j + 2);
 }
 
 std::uint64_t ConvertPlanP::low_fraction_words(int j) const {
@@ -102,7 +105,6 @@ void ConvertPlanP::transform_power(const MultiplyContext& context, int j, const 
     if (transformed_ != j) console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
     Level& level = table_[static_cast<std::size_t>(j)];
     level.power_length = power.length;
-    level.power_zeros = power.zeros;
     level.parameters->forward(context, transformed, power.words, power.length);
     level.transformed = transformed;
     transformed_ = j + 1;

@@ -54,7 +54,7 @@ void PushPoolWorker::run_tasks() {
         }
         awake_.store(true, std::memory_order_relaxed);
         const bool found =
-            SpareProcessor::wait([this] { return task_.load(std::memory_order_relaxed) != nullptr; });
+            spin_for_a_moment([this] { return task_.load(std::memory_order_relaxed) != nullptr; });
         awake_.store(false, std::memory_order_relaxed);
         if (found) continue;
         std::unique_lock<std::mutex> guard(lock_);

@@ -5,7 +5,6 @@
 namespace qmp {
 
 std::atomic<std::int64_t> SpareProcessor::at_work_{1};
-std::atomic<std::int64_t> SpareProcessor::waiting_{0};
 
 std::int64_t SpareProcessor::processors() {
     static const auto count = static_cast<std::int64_t>(os::active_processors());

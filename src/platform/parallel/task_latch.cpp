@@ -25,7 +25,7 @@ void TaskLatch::wait() {
     if (!handed_over_) return;
     handed_over_ = false;
     SpareProcessor::end_work();
-    if (!SpareProcessor::wait([this] { return done_.load(std::memory_order_acquire); })) {
+    if (!spin_for_a_moment([this] { return done_.load(std::memory_order_acquire); })) {
         std::unique_lock<std::mutex> guard(lock_);
         condition_.wait(guard, [this] { return done_.load(std::memory_order_acquire); });
     }

@@ -16,7 +16,6 @@ namespace {
 
 using qmp::ParallelContext;
 using qmp::PushPoolParallelizer;
-using qmp::SpareProcessor;
 
 // The count may lag behind for the moment in which a worker goes back to its slot.
 void expect_soon(const PushPoolParallelizer& pool, std::uint64_t idle) {
@@ -70,9 +69,9 @@ TEST(SpareProcessor, TasksThatNoWorkerTakesBalanceTheCount) {
 }
 
 TEST(SpareProcessor, WaitingEndsWithTheCondition) {
-    EXPECT_TRUE(SpareProcessor::wait([] { return true; }));
+    EXPECT_TRUE(qmp::spin_for_a_moment([] { return true; }));
     int looks = 0;
-    EXPECT_FALSE(SpareProcessor::wait([&] { return ++looks < 0; }));
+    EXPECT_FALSE(qmp::spin_for_a_moment([&] { return ++looks < 0; }));
     EXPECT_GE(looks, 64);
 }
 
