@@ -158,6 +158,35 @@ TEST_P(FftKernels, OperandsOfAnyLength) {
     }
 }
 
+// Around half of the convolution, where the upper half of the points stops being written: the same bits, out
+// of memory full of garbage.
+TEST_P(FftKernels, HalfEmptyOperandsHaveTheSameTransform) {
+    Random random(6);
+    const ParallelContext one = ParallelContext::sequential();
+    for (std::uint32_t r : {1u, 3u, 5u, 7u}) {
+        for (std::uint32_t k : {4u, 5u, 6u, 7u, 8u, 9u, 13u}) {
+            const OwnTable own(r, k);
+            for (std::uint64_t b : {16u, 17u}) {
+                const FftParams params = make_params(r, k, b);
+                if (params.points % qmp::fft::kernel_block(b) != 0) continue;
+                const Plan plan(params, own.table);
+                const std::uint64_t capacity = params.capacity_bits / 8, half = capacity / 2;
+                const Words x = make_words(random, capacity / 8);
+                for (std::uint64_t bytes :
+                     {std::uint64_t{0}, std::uint64_t{1}, half / 2 + 3, half - 1, half, half + 1, capacity}) {
+                    GuardedWords expected(params.points), found(params.points);
+                    split_points(one, plan, doubles_of(expected), x.data(), bytes);
+                    forward_transform(one, plan, doubles_of(expected));
+                    transform_operand(one, plan, doubles_of(found), x.data(), bytes);
+                    ASSERT_EQ(found.value(), expected.value())
+                        << r << " * 2^" << k << " x " << b << ", " << bytes << " bytes";
+                    ASSERT_TRUE(found.guards_intact());
+                }
+            }
+        }
+    }
+}
+
 TEST_P(FftKernels, SquaresAreProducts) {
     Random random(4);
     for (std::uint32_t r : {1u, 3u, 5u, 7u}) {

@@ -43,9 +43,7 @@ void FftTransformParameters::forward_bytes(const MultiplyContext& context, Word*
     if (8 * bytes > convolution_bits) invalid_function_parameters("FftTransformParameters::forward()");
     require_twiddles(context);
     const Plan plan(params_, *covering_table(context, params_));
-    double* points = as_points(transformed);
-    split_points(context.parallel(), plan, points, operand, bytes);
-    forward_transform(context.parallel(), plan, points);
+    transform_operand(context.parallel(), plan, as_points(transformed), operand, bytes);
 }
 
 void FftTransformParameters::inverse_bytes(const MultiplyContext& context, Word* a, const Word* b,

@@ -9,8 +9,9 @@ namespace {
 
 // Shorter pieces of a pass take less time than waking the thread that would do them.
 constexpr std::uint64_t points_per_task = std::uint64_t{1} << 17;
-// Complex numbers in blocks that are taken pass by pass (64 KB). Larger blocks leave the nearest caches,
-// smaller ones share their twiddle factors less.
+// Complex numbers in blocks that are taken pass by pass (48 KB). Larger blocks leave the nearest caches: a
+// pass goes through all parts at one position, and those of 4096 numbers are too many lines of too few sets.
+// Smaller blocks share their twiddle factors less.
 constexpr std::uint64_t cached_length = 4096;
 constexpr std::uint64_t points_per_group = 16;
 constexpr std::uint64_t points_per_block = 64;
@@ -36,15 +37,23 @@ void for_ranges(ParallelContext parallel, std::uint64_t count, std::uint64_t poi
     }
 }
 
+// log2 of the complex length's power of two.
+int complex_exponent(const Plan& plan) {
+    return static_cast<int>(plan.params.k) - 1;
+}
+
 // The walk over the passes, in one direction. Lengths are r * 2^c complex numbers.
 template <bool Inverse>
 class Walk {
   public:
-    explicit Walk(const Plan& plan)
+    // `half_empty`: the upper half of the data is not there, and every point of it is empty.
+    explicit Walk(const Plan& plan, bool half_empty = false)
         : kernels_(*plan.level->kernels),
           table_(*plan.table),
           r_(plan.params.r),
-          roots_(plan.level->base_roots[plan.params.r / 2]) {}
+          roots_(plan.level->base_roots[plan.params.r / 2]),
+          half_empty_(half_empty ? complex_exponent(plan) : none),
+          empty_(empty_point(plan.params.b)) {}
 
     void run(ParallelContext parallel, double* data, int c) const {
         if (length(c) <= cached_length) {
@@ -70,6 +79,8 @@ class Walk {
     }
 
   private:
+    static constexpr int none = -1;
+
     std::uint64_t length(int c) const { return std::uint64_t{r_} << c; }
 
     // How far the next pass cuts blocks of r * 2^c: quarters, or eighths where those come out even.
@@ -83,7 +94,10 @@ class Walk {
               std::uint64_t end) const {
         // The level of this length; the level below it is that of half the length.
         const std::uint32_t j = static_cast<std::uint32_t>(c) + 2;
-        if (bits == 3) {
+        if (!Inverse && c == half_empty_) {
+            (bits == 3 ? kernels_.half_forward8 : kernels_.half_forward4)(
+                data, length(c), table_.level(j), table_.level(j - 1), begin, end, empty_);
+        } else if (bits == 3) {
             (Inverse ? kernels_.inverse8 : kernels_.forward8)(data, length(c), blocks, table_.level(j),
                                                               table_.level(j - 1), begin, end);
         } else {
@@ -123,11 +137,16 @@ class Walk {
     const TwiddleTable& table_;
     std::uint32_t r_;
     const double* roots_;
+    int half_empty_;  // the c of the only block that is half empty
+    double empty_;
 };
 
-// log2 of the complex length's power of two.
-int complex_exponent(const Plan& plan) {
-    return static_cast<int>(plan.params.k) - 1;
+void split_groups(ParallelContext parallel, const Plan& plan, double* data, const void* bytes,
+                  std::uint64_t count, std::uint64_t groups) {
+    const Split split = plan.level->kernels->split[plan.params.b - smallest_width];
+    for_ranges(parallel, groups, points_per_group, 1, [&](std::uint64_t begin, std::uint64_t end) {
+        split(data, static_cast<const unsigned char*>(bytes), count, begin, end);
+    });
 }
 
 // The points beyond the last whole block: 16-bit points of lengths below 64, in no table but in the
@@ -170,15 +189,19 @@ Plan::Plan(const FftParams& fft_params, const TwiddleTable& twiddles)
 
 void split_points(ParallelContext parallel, const Plan& plan, double* data, const void* bytes,
                   std::uint64_t count) {
-    const Split split = plan.level->kernels->split[plan.params.b - smallest_width];
-    for_ranges(parallel, plan.params.points / points_per_group, points_per_group, 1,
-               [&](std::uint64_t begin, std::uint64_t end) {
-                   split(data, static_cast<const unsigned char*>(bytes), count, begin, end);
-               });
+    split_groups(parallel, plan, data, bytes, count, plan.params.points / points_per_group);
 }
 
 void forward_transform(ParallelContext parallel, const Plan& plan, double* data) {
     Walk<false>(plan).run(parallel, data, complex_exponent(plan));
+}
+
+void transform_operand(ParallelContext parallel, const Plan& plan, double* data, const void* bytes,
+                       std::uint64_t count) {
+    const std::uint64_t groups = plan.params.points / points_per_group;
+    const bool half_empty = groups % 2 == 0 && 16 * count <= plan.params.capacity_bits;
+    split_groups(parallel, plan, data, bytes, count, half_empty ? groups / 2 : groups);
+    Walk<false>(plan, half_empty).run(parallel, data, complex_exponent(plan));
 }
 
 void inverse_transform(ParallelContext parallel, const Plan& plan, double* data) {

@@ -35,6 +35,11 @@ void split_points(ParallelContext parallel, const Plan& plan, double* data, cons
 
 void forward_transform(ParallelContext parallel, const Plan& plan, double* data);
 
+// Both, and less work for an operand that fills at most half of the convolution: the upper half of its points
+// is never written out.
+void transform_operand(ParallelContext parallel, const Plan& plan, double* data, const void* bytes,
+                       std::uint64_t count);
+
 // a becomes the transform of the cyclic product; b is kept. b == a gives the square.
 void pointwise_product(ParallelContext parallel, const Plan& plan, double* a, const double* b);
 

@@ -40,6 +40,8 @@ constexpr qmp::fft::Kernels kernel_set(const char* name, bool wide_passes) {
     set.inverse4 = pass4<V, true>;
     set.forward8 = pass8<V, false>;
     set.inverse8 = pass8<V, true>;
+    set.half_forward4 = half_pass4<V>;
+    set.half_forward8 = half_pass8<V>;
     set_multiplier_kernels<V, 1>(set);
     set_width_kernels<V, qmp::fft::smallest_width>(set);
     return set;

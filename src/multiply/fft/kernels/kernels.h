@@ -21,11 +21,19 @@ constexpr bool pairs_fit(std::uint64_t width, std::uint64_t points) {
     return width > widest_whole_pair || points <= std::uint64_t{1} << (64 - 3 * width);
 }
 
+// What splitting makes of a point beyond the operand (split.h).
+constexpr double empty_point(std::uint64_t width) {
+    return -static_cast<double>(std::uint64_t{1} << (width - 1));
+}
+
 // Positions [begin, end) of every block of `length` complex numbers (passes.h).
 using Pass4 = void (*)(double* data, std::uint64_t length, std::uint64_t blocks, const double* level,
                        std::uint64_t begin, std::uint64_t end);
 using Pass8 = void (*)(double* data, std::uint64_t length, std::uint64_t blocks, const double* level,
                        const double* half_level, std::uint64_t begin, std::uint64_t end);
+// The first forward pass over a block whose upper half is `empty` everywhere and need not be there.
+using HalfPass = void (*)(double* data, std::uint64_t length, const double* level, const double* half_level,
+                          std::uint64_t begin, std::uint64_t end, double empty);
 // Rows [begin, end) (base.h).
 using Base = void (*)(double* data, const double* roots, std::uint64_t begin, std::uint64_t end);
 // Pairs [begin, end) of rows; b is ignored by squares (pointwise.h).
@@ -44,6 +52,7 @@ struct Kernels {
     bool wide_passes;  // passes of eight parts pay: enough registers
     Pass4 forward4, inverse4;
     Pass8 forward8, inverse8;
+    HalfPass half_forward4, half_forward8;
     Base forward_base[multiplier_count], inverse_base[multiplier_count];
     Pointwise multiply[multiplier_count], square[multiplier_count];
     Split split[width_count];

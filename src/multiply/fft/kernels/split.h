@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "multiply/fft/kernels/complex.h"
+#include "multiply/fft/kernels/kernels.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ void split(double* data, const unsigned char* bytes, std::uint64_t count, std::u
         __builtin_memcpy(window, bytes + group * group_bytes, left < group_window ? left : group_window);
         split_elements<V, Width, 0>(data + group * points_per_group, window);
     }
-    const auto empty = V::set(-static_cast<double>(1 << (Width - 1)));
+    const auto empty = V::set(qmp::fft::empty_point(Width));
     for (; group < end; ++group) {
         for (std::uint64_t i = 0; i < points_per_group; i += V::lanes) {
             V::store(data + group * points_per_group + i, empty);
