@@ -12,7 +12,7 @@ constexpr std::uint64_t points_per_task = std::uint64_t{1} << 17;
 // Complex numbers in blocks that are taken pass by pass (48 KB). Larger blocks leave the nearest caches: a
 // pass goes through all parts at one position, and those of 4096 numbers are too many lines of too few sets.
 // Smaller blocks share their twiddle factors less.
-constexpr std::uint64_t cached_length = 4096;
+constexpr std::uint64_t cached_length = 3072;
 constexpr std::uint64_t points_per_group = 16;
 constexpr std::uint64_t points_per_block = 64;
 constexpr std::uint32_t shortest_exponent = 4;
