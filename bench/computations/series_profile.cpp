@@ -25,7 +25,11 @@ class Profile {
         : series_(series),
           workspace_(longest_product, 1),
           buffer_words_(buffer_words),
-          memory_(Series::buffer_count * buffer_words) {}
+          memory_(Series::buffer_count * buffer_words) {
+        // As a session fills its memory before it begins to compute.
+        std::fill_n(memory_.data(), Series::buffer_count * buffer_words, qmp::Word{0});
+        std::fill_n(workspace_.context().scratch, workspace_.scratch_words(), qmp::Word{0});
+    }
 
     void sum(std::uint64_t a, std::uint64_t b, std::uint64_t depth) {
         typename Series::Buffers out;

@@ -80,6 +80,7 @@ class ConvertPlanP {
     void populate_fft_plans(const MultiplyContext& context, Word* tables);
 
   private:
+    std::uint64_t square_scratch_words(int j, std::uint64_t tasks) const;
     std::uint64_t population_scratch_words() const;
     std::uint64_t power_buffer_capacity() const;
     void transform_power(const MultiplyContext& context, int j, const RadixPower& power, Word* transformed);
