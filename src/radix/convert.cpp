@@ -24,12 +24,15 @@ constexpr const char* parallel_name = "qmq_CBRv2_ci_btrf_T()";
 // A part of the label with a count of decimal digits: "-  1,234", " -> 2 x 617".
 class DigitsLabel {
   public:
-    DigitsLabel(Progress* progress, const char* text, std::uint64_t words)
+    DigitsLabel(Progress* progress, const char* text, const ConvertPlanP& plan, std::uint64_t digit_words)
         : text_(progress, text, text_colour),
-          size_(progress, progress ? console::format_separated(word_to_dec(words)) : std::string(),
-                size_colour) {}
+          size_(progress, progress ? digits_of(plan, digit_words) : std::string(), size_colour) {}
 
   private:
+    static std::string digits_of(const ConvertPlanP& plan, std::uint64_t digit_words) {
+        return console::format_separated(word_to_dec(plan.fraction_words(-1, digit_words) - 2));
+    }
+
     ScopedLabel text_;
     ScopedLabel size_;
 };
@@ -56,7 +59,7 @@ class Conversion {
         ConvertResult low;
         ConvertResult high;
         if (parallel && context.tds > 1 && level >= plan_.parallel_level()) {
-            const DigitsLabel label(labelled(s), " -> 2 x ", plan_.fraction_words(-1, s) - 2);
+            const DigitsLabel label(labelled(s), " -> 2 x ", plan_, s);
             const std::uint64_t low_tasks = context.tds / 2;
             // A transform of several tasks takes what scratch it is given: the halves must not see each
             // other's.
@@ -70,7 +73,7 @@ class Conversion {
                                              high_context.with_tasks(context.tds - low_tasks), true);
                              });
         } else {
-            const DigitsLabel label(labelled(s), " -> 1 x ", plan_.fraction_words(-1, s) - 2);
+            const DigitsLabel label(labelled(s), " -> 1 x ", plan_, s);
             // Transforms of small nodes are not worth a second thread either.
             const MultiplyContext halves = level >= plan_.parallel_level() ? rest : rest.with_tasks(1);
             low = node(level - 1, top - s, low_m, low_f, halves, parallel);
@@ -90,7 +93,7 @@ class Conversion {
 
     FractionView split(int level, std::uint64_t m, std::uint64_t low_m, FractionView f, Word* low_words,
                        const MultiplyContext& context) const {
-        const DigitsLabel label(labelled(m), "-  ", plan_.fraction_words(-1, m) - 2);
+        const DigitsLabel label(labelled(m), "-  ", plan_, m);
         return fractional_product(plan_, level, context, low_words, plan_.fraction_words(level - 1, low_m),
                                   f);
     }
