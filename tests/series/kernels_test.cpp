@@ -3,7 +3,7 @@
 
 #include "constants/pi_formulas.h"
 #include "errors/exception.h"
-#include "series/series_e_taylor.h"
+#include "series/leaf_e_taylor.h"
 #include "series/leaf_slots.h"
 #include "series/test_series.h"
 
