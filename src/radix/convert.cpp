@@ -58,13 +58,17 @@ class Conversion {
         if (parallel && context.tds > 1 && level >= plan_.parallel_level()) {
             const DigitsLabel label(labelled(s), " -> 2 x ", plan_.fraction_words(-1, s) - 2);
             const std::uint64_t low_tasks = context.tds / 2;
-            const MultiplyContext high_context =
-                rest.after(plan_.node_scratch_words(level - 1, low_tasks), name_);
-            context.run_pair(
-                [&] { low = node(level - 1, top - s, low_m, low_f, rest.with_tasks(low_tasks), true); },
-                [&] {
-                    high = node(level - 1, top, s, f, high_context.with_tasks(context.tds - low_tasks), true);
-                });
+            // A transform of several tasks takes what scratch it is given: the halves must not see each
+            // other's.
+            const std::uint64_t low_scratch = plan_.node_scratch_words(level - 1, low_tasks);
+            const MultiplyContext high_context = rest.after(low_scratch, name_);
+            MultiplyContext low_context = rest.with_tasks(low_tasks);
+            low_context.scratch_words = low_scratch;
+            context.run_pair([&] { low = node(level - 1, top - s, low_m, low_f, low_context, true); },
+                             [&] {
+                                 high = node(level - 1, top, s, f,
+                                             high_context.with_tasks(context.tds - low_tasks), true);
+                             });
         } else {
             const DigitsLabel label(labelled(s), " -> 1 x ", plan_.fraction_words(-1, s) - 2);
             // Transforms of small nodes are not worth a second thread either.

@@ -25,20 +25,23 @@ ConvertPlanP::ConvertPlanP(Word base, std::uint64_t m, std::uint64_t tasks)
         status_ = invalid_base;
         return;
     }
+    base_bits_ = base_bits(base);
     for (; leaf_ >= convert_basecase_words; leaf_ = (leaf_ + 1) / 2) ++levels_;
     parallel_level_ = levels_;
     for (int j = levels_ - 1; j >= 0; --j) {
         Level& level = table_[static_cast<std::size_t>(j)];
         level.output_words = leaf_ << j;
         if (level.output_words >= parallel_half_words) parallel_level_ = j;
-        // The largest node of the level. Its product is longer than this, but what wraps around falls
-        // on words that no half needs.
-        construct_transform(level.parameters, fraction_words(j, std::min(2 * level.output_words, m_)));
+        level.power_zeros = power_zero_words(base, level.output_words);
+        // The fraction of the level's largest node, without the words that only reach the integer part. The
+        // product is longer, but what wraps around falls on words that no half needs.
+        construct_transform(level.parameters,
+                            fraction_words(j, std::min(2 * level.output_words, m_)) - level.power_zeros);
     }
 }
 
 std::uint64_t ConvertPlanP::fraction_words(int j, std::uint64_t m) const {
-    return power_whole_words(base_, m) + 2 * static_cast<std::uint64_t>(j + 2);
+    return words_of_digits(base_bits_, m) + 2 * static_cast<std::uint64_t>(j + 2);
 }
 
 std::uint64_t ConvertPlanP::low_fraction_words(int j) const {
@@ -79,6 +82,11 @@ std::uint64_t ConvertPlanP::power_buffer_capacity() const {
     return align8(words);
 }
 
+// Of the square of a level's power.
+std::uint64_t ConvertPlanP::square_scratch_words(int j, std::uint64_t tasks) const {
+    return align8(scratch_words_for(2 * power_words(base_, level(j).output_words), tasks));
+}
+
 std::uint64_t ConvertPlanP::population_scratch_words() const {
     if (levels_ == 0) return 0;
     std::uint64_t transform = 0;
@@ -86,11 +94,10 @@ std::uint64_t ConvertPlanP::population_scratch_words() const {
     for (int j = 0; j < levels_; ++j) {
         transform = std::max(transform, align8(level(j).parameters->scratch_words));
         if (j + 1 < levels_) {
-            square =
-                std::max(square, scratch_words_for(2 * power_words(base_, level(j).output_words), tasks_));
+            square = std::max(square, square_scratch_words(j, tasks_));
         }
     }
-    return 2 * power_buffer_capacity() + transform + align8(square);
+    return 2 * power_buffer_capacity() + transform + square;
 }
 
 void ConvertPlanP::transform_power(const MultiplyContext& context, int j, const RadixPower& power,
@@ -98,7 +105,6 @@ void ConvertPlanP::transform_power(const MultiplyContext& context, int j, const 
     if (transformed_ != j) console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
     Level& level = table_[static_cast<std::size_t>(j)];
     level.power_length = power.length;
-    level.power_zeros = power.zeros;
     level.parameters->forward(context, transformed, power.words, power.length);
     level.transformed = transformed;
     transformed_ = j + 1;
@@ -129,14 +135,14 @@ void ConvertPlanP::populate_fft_plans(const MultiplyContext& context, Word* tabl
         RadixPower next{};
         // The transform of this power and the square that is the next one do not wait for each other.
         if (context.tds > 1 && !last && j >= parallel_level_) {
+            // With several tasks both take what scratch they are given, so each has a part of its own.
             const std::uint64_t half = context.tds / 2;
-            const std::uint64_t transform_words = align8(level(j).parameters->scratch_words);
-            const MultiplyContext square_part = rest.after(transform_words, populate_name);
-            context.run_pair([&] { transform_power(rest.with_tasks(half), j, power, tables); },
-                             [&] {
-                                 next = next_power(square_part.with_tasks(context.tds - half), j, power,
-                                                   destination);
-                             });
+            const std::uint64_t square_words = square_scratch_words(j, context.tds - half);
+            MultiplyContext square_part = rest.with_tasks(context.tds - half);
+            square_part.scratch_words = square_words;
+            const MultiplyContext transform_part = rest.after(square_words, populate_name).with_tasks(half);
+            context.run_pair([&] { transform_power(transform_part, j, power, tables); },
+                             [&] { next = next_power(square_part, j, power, destination); });
         } else {
             transform_power(rest, j, power, tables);
             if (!last) next = next_power(rest, j, power, destination);

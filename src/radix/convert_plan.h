@@ -10,6 +10,13 @@
 // product keeps for the low half lies above every word that this cut could make wrong:
 // words(m) + 2 (j + 2) - words(s) >= words(m - s) + 2 (j + 1) + 1. So each level costs less than one unit
 // in the last word, and the basecase starts with at least two guard words.
+//
+// Short convolutions. P = P' 2^(64 z): the lowest z words of P are zero, for B = 10^19 three in ten. So the
+// top z words of the fraction only reach the integer part of the product, and n = words(m) + 2 (j + 2) - z
+// words of it are multiplied by P'. By the inequality above the words that are kept, with one more below
+// them, and the words of P' are together at most n: a cyclic convolution of n words is enough. The words of
+// the product beyond it, part of the integer part, wrap around to words that are not kept, all of them below
+// the one more.
 #pragma once
 
 #include <array>
@@ -19,12 +26,10 @@
 #include "multiply/multiply_context.h"
 #include "multiply/transform_parameters.h"
 #include "multiply/word.h"
+#include "radix/convert_basecase.h"
 #include "radix/radix_power.h"
 
 namespace qmp {
-
-// Digit words below which the basecase converts.
-constexpr std::uint64_t convert_basecase_words = 16;
 
 class ConvertPlanP {
   public:
@@ -75,12 +80,14 @@ class ConvertPlanP {
     void populate_fft_plans(const MultiplyContext& context, Word* tables);
 
   private:
+    std::uint64_t square_scratch_words(int j, std::uint64_t tasks) const;
     std::uint64_t population_scratch_words() const;
     std::uint64_t power_buffer_capacity() const;
     void transform_power(const MultiplyContext& context, int j, const RadixPower& power, Word* transformed);
     RadixPower next_power(const MultiplyContext& context, int j, const RadixPower& power, Word* destination);
 
     Word base_;
+    double base_bits_ = 0;
     std::uint64_t m_;
     std::uint64_t tasks_;
     std::uint32_t status_ = 0;

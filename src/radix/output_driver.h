@@ -21,7 +21,8 @@ struct DigitOutput {
 };
 
 // Opens the place where the digits go, once the integer part is known ("3."); called when the first digits
-// are about to be written. The sink is destroyed (flushed, closed) before the driver verifies.
+// are about to be written. The sink has all digits before the driver verifies them, and is finished (flushed,
+// closed) and destroyed afterwards, so that what has to reach a disk has the time of the verification for it.
 using OpenSink = std::function<std::unique_ptr<DigitSink>(const std::string& first_digits)>;
 
 // Converts x (0 <= x < 2^64) to decimal, writes `digits` fractional digits and verifies the conversion with
@@ -37,6 +38,6 @@ DigitOutput write_hexadecimal(const ComputeContext& context, BigFloatView x, std
 std::uint64_t decimal_output_bytes(std::uint64_t digits, std::uint64_t tasks);
 std::uint64_t decimal_output_largest_product(std::uint64_t digits);
 // The same for write_hexadecimal, which forms no product.
-std::uint64_t hexadecimal_output_bytes(std::uint64_t digits);
+std::uint64_t hexadecimal_output_bytes(std::uint64_t digits, std::uint64_t tasks);
 
 }  // namespace qmp

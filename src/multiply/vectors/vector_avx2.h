@@ -35,6 +35,7 @@ constexpr FieldPickAvx2<Width, Parity> field_pick_avx2{};
 
 struct VectorAvx2 {
     static constexpr int lanes = 4;
+    static constexpr int registers = 16;
     using Real = __m256d;
     using Bits = __m256i;
 

@@ -53,6 +53,7 @@ alignas(64) constexpr std::int64_t reversed_ranges_avx512[8] = {0, 1, 3, 2, 7, 6
 
 struct VectorAvx512 {
     static constexpr int lanes = 8;
+    static constexpr int registers = 32;
     using Real = __m512d;
     using Bits = __m512i;
 

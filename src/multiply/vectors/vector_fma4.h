@@ -37,6 +37,7 @@ constexpr FieldPickFma4<Width, Offset, Parity> field_pick_fma4{};
 
 struct VectorFma4 {
     static constexpr int lanes = 2;
+    static constexpr int registers = 16;
     using Real = __m128d;
     using Bits = __m128i;
 

@@ -9,6 +9,7 @@ namespace {
 
 struct VectorScalar {
     static constexpr int lanes = 2;
+    static constexpr int registers = 16;
     struct Real {
         double low, high;
     };

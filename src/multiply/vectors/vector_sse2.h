@@ -11,6 +11,7 @@ namespace {
 
 struct VectorSse2 {
     static constexpr int lanes = 2;
+    static constexpr int registers = 16;
     using Real = __m128d;
     using Bits = __m128i;
 

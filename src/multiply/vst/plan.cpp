@@ -57,10 +57,6 @@ std::uint32_t Plan::primes_at_a_time(std::uint64_t tasks) const {
         std::clamp<std::uint64_t>(second_cache / bytes_of_prime, 1, size.primes));
 }
 
-std::uint64_t Plan::row_roots_doubles() const {
-    return 2 * size.primes * rounded_up(rows);
-}
-
 std::uint64_t Plan::leaf_roots_doubles() const {
     return 2 * size.primes * rounded_up(leaves_of_row());
 }

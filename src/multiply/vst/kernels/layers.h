@@ -1,149 +1,9 @@
 // Layers of the transform over blocks of whole vectors.
 #pragma once
 
-#include "multiply/vst/kernels/radix.h"
-#include "multiply/vst/kernels/transform_kernels.h"
+#include "multiply/vst/kernels/passes.h"
 
 namespace {
-
-template <typename V>
-KERNEL_INLINE Modulus<V> modulus_of(const qmp::vst::PrimeModulus& modulus) {
-    return {V::set(modulus.prime), V::set(modulus.inverse)};
-}
-
-template <typename V>
-KERNEL_INLINE Factor<V> broadcast(const qmp::vst::NodeFactors& factors, std::uint64_t index) {
-    return {V::set(factors.values[index]), V::set(factors.quotients[index])};
-}
-
-// The factors of two layers below node b of layer l.
-template <typename V>
-struct QuarterFactors {
-    Factor<V> top, left, right;
-
-    KERNEL_INLINE QuarterFactors(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b) {
-        const std::uint64_t index = (std::uint64_t{1} << l) + b;
-        top = broadcast<V>(factors, index);
-        left = broadcast<V>(factors, 2 * index);
-        right = broadcast<V>(factors, 2 * index + 1);
-    }
-    KERNEL_INLINE Factor<V> operator()(int layer, int node) const {
-        if (layer == 0) return top;
-        if (node == 0) return left;
-        return right;
-    }
-};
-
-template <typename V>
-struct HalfFactor {
-    Factor<V> factor;
-
-    KERNEL_INLINE HalfFactor(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b)
-        : factor(broadcast<V>(factors, (std::uint64_t{1} << l) + b)) {}
-    KERNEL_INLINE Factor<V> operator()(int, int) const { return factor; }
-};
-
-template <typename V, int Log>
-struct StepFactors;
-template <typename V>
-struct StepFactors<V, 1> : HalfFactor<V> {
-    using HalfFactor<V>::HalfFactor;
-};
-template <typename V>
-struct StepFactors<V, 2> : QuarterFactors<V> {
-    using QuarterFactors<V>::QuarterFactors;
-};
-
-// What a pass does with the vectors of its parts.
-template <typename V, int Log, typename Body>
-KERNEL_INLINE void for_columns(double* data, std::uint64_t part, const Body& body) {
-    for (std::uint64_t i = 0; i < part; i += V::lanes) {
-        typename V::Real x[1 << Log];
-        for (int k = 0; k < 1 << Log; ++k) x[k] = V::load(data + static_cast<std::uint64_t>(k) * part + i);
-        body(x);
-        for (int k = 0; k < 1 << Log; ++k) V::store(data + static_cast<std::uint64_t>(k) * part + i, x[k]);
-    }
-}
-
-// Log layers of the nodes [first, first + count) of layer l, each of 2^Log parts.
-template <typename V, int Log, bool Reduce>
-void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
-    // Copies that no store to the data can be taken to change.
-    const qmp::vst::NodeFactors factors = tree;
-    const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        const StepFactors<V, Log> w(factors, l, b);
-        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
-            forward_radix<V, Reduce>(x, m, w);
-        });
-    }
-}
-
-template <typename V, int Log>
-void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
-    const qmp::vst::NodeFactors factors = tree;
-    const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        const StepFactors<V, Log> w(factors, l, b);
-        for_columns<V, Log>(data, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA {
-            inverse_radix<V>(x, m, w);
-        });
-    }
-}
-
-// The same with the results going to rows of a matrix: the last step of a tile's columns.
-template <typename V, int Log, bool Reduce>
-void forward_pass_to(const qmp::vst::MatrixRows& rows, const double* data, std::uint64_t part, int l,
-                     std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                     const Modulus<V>& modulus) {
-    const qmp::vst::NodeFactors factors = tree;
-    const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        const StepFactors<V, Log> w(factors, l, b);
-        double* row = rows.first + (b << Log) * rows.stride;
-        for (std::uint64_t i = 0; i < part; i += V::lanes) {
-            typename V::Real x[1 << Log];
-            for (int k = 0; k < 1 << Log; ++k)
-                x[k] = V::load(data + static_cast<std::uint64_t>(k) * part + i);
-            forward_radix<V, Reduce>(x, m, w);
-            for (int k = 0; k < 1 << Log; ++k) {
-                double* to = row + static_cast<std::uint64_t>(k) * rows.stride + i;
-                if (rows.past_caches) {
-                    V::stream(to, x[k]);
-                } else {
-                    V::store(to, x[k]);
-                }
-            }
-        }
-    }
-    if (rows.past_caches) V::fence();
-}
-
-// The same with the inputs coming from there, and the next tile's part of the same rows being called for.
-template <typename V, int Log>
-void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part, int l,
-                       std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                       const Modulus<V>& modulus) {
-    const qmp::vst::NodeFactors factors = tree;
-    const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        const StepFactors<V, Log> w(factors, l, b);
-        const double* row = rows.first + (b << Log) * rows.stride;
-        for (std::uint64_t i = 0; i < part; i += V::lanes) {
-            typename V::Real x[1 << Log];
-            for (int k = 0; k < 1 << Log; ++k) {
-                const double* from = row + static_cast<std::uint64_t>(k) * rows.stride + i;
-                x[k] = V::load(from);
-                if (i % 8 == 0) __builtin_prefetch(from + part, 0, 2);
-            }
-            inverse_radix<V>(x, m, w);
-            for (int k = 0; k < 1 << Log; ++k)
-                V::store(data + static_cast<std::uint64_t>(k) * part + i, x[k]);
-        }
-    }
-}
 
 template <typename V>
 void copy_to_rows(const qmp::vst::MatrixRows& rows, const double* data, std::uint64_t unit,
@@ -170,15 +30,16 @@ void forward_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFacto
                      const Modulus<V>& m) {
     using Real = typename V::Real;
     const Factor<V> i = broadcast<V>(factors, 3);
-    for_columns<V, 2>(data, part, [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
-        const Real a = V::add(x[0], x[2]), b = V::sub(x[0], x[2]);
-        const Real c = V::add(x[1], x[3]);
-        const Real d = m.multiply(V::sub(x[1], x[3]), i);
-        x[0] = V::add(a, c);
-        x[1] = V::sub(a, c);
-        x[2] = V::add(b, d);
-        x[3] = V::sub(b, d);
-    });
+    for_columns<V, 2>(Source<V>(data, part), Target<V>(data, part), 0, part,
+                      [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
+                          const Real a = V::add(x[0], x[2]), b = V::sub(x[0], x[2]);
+                          const Real c = V::add(x[1], x[3]);
+                          const Real d = m.multiply(V::sub(x[1], x[3]), i);
+                          x[0] = V::add(a, c);
+                          x[1] = V::sub(a, c);
+                          x[2] = V::add(b, d);
+                          x[3] = V::sub(b, d);
+                      });
 }
 
 template <typename V>
@@ -186,15 +47,16 @@ void inverse_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFacto
                      const Modulus<V>& m) {
     using Real = typename V::Real;
     const Factor<V> i = broadcast<V>(factors, 3);
-    for_columns<V, 2>(data, part, [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
-        const Real a = V::add(x[0], x[1]), b = V::sub(x[0], x[1]);
-        const Real c = V::add(x[2], x[3]);
-        const Real d = m.multiply(V::sub(x[2], x[3]), i);
-        x[0] = m.reduce(V::add(a, c));
-        x[2] = m.reduce(V::sub(a, c));
-        x[1] = m.reduce(V::add(b, d));
-        x[3] = m.reduce(V::sub(b, d));
-    });
+    for_columns<V, 2>(Source<V>(data, part), Target<V>(data, part), 0, part,
+                      [&](Real(&x)[4]) KERNEL_INLINE_LAMBDA {
+                          const Real a = V::add(x[0], x[1]), b = V::sub(x[0], x[1]);
+                          const Real c = V::add(x[2], x[3]);
+                          const Real d = m.multiply(V::sub(x[2], x[3]), i);
+                          x[0] = m.reduce(V::add(a, c));
+                          x[2] = m.reduce(V::sub(a, c));
+                          x[1] = m.reduce(V::add(b, d));
+                          x[3] = m.reduce(V::sub(b, d));
+                      });
 }
 
 // Doubles that are walked over pass by pass; longer blocks are cut first.

@@ -26,6 +26,12 @@ struct Factor {
     }
 };
 
+// A product by a factor on its way: x * w = high + low exactly, and the multiple of the prime to take off.
+template <typename V>
+struct Product {
+    typename V::Real high, low, quotient;
+};
+
 template <typename V>
 struct Modulus {
     using Real = typename V::Real;
@@ -37,10 +43,18 @@ struct Modulus {
 
     // x * w for |x| < 8: at most 1.3, and 0.9 for |x| <= 3.6.
     KERNEL_INLINE Real multiply(Real x, const Factor<V>& w) const {
-        const Real high = V::mul(x, w.value);
-        const Real low = V::mul_sub(x, w.value, high);
-        const Real quotient = V::round(V::mul(x, w.quotient));
-        return V::add(V::neg_mul_add(quotient, prime, high), low);
+        Product<V> product;
+        begin(x, w, product);
+        return end(product);
+    }
+    // The two halves of that.
+    KERNEL_INLINE void begin(Real x, const Factor<V>& w, Product<V>& product) const {
+        product.high = V::mul(x, w.value);
+        product.low = V::mul_sub(x, w.value, product.high);
+        product.quotient = V::round(V::mul(x, w.quotient));
+    }
+    KERNEL_INLINE Real end(const Product<V>& product) const {
+        return V::add(V::neg_mul_add(product.quotient, prime, product.high), product.low);
     }
     // x * y for |x y| < 4: at most 1.75.
     KERNEL_INLINE Real multiply(Real x, Real y) const {
@@ -50,7 +64,9 @@ struct Modulus {
         return V::add(V::neg_mul_add(quotient, prime, high), low);
     }
     // At most 0.5 and a little.
-    KERNEL_INLINE Real reduce(Real x) const { return V::neg_mul_add(V::round(V::mul(x, inverse)), prime, x); }
+    KERNEL_INLINE Real reduce(Real x) const { return remainder(x, quotient(x)); }
+    KERNEL_INLINE Real quotient(Real x) const { return V::round(V::mul(x, inverse)); }
+    KERNEL_INLINE Real remainder(Real x, Real quotient) const { return V::neg_mul_add(quotient, prime, x); }
     // The table's form of a factor; a second step corrects the quotient.
     KERNEL_INLINE Factor<V> factor(Real w) const {
         const Real estimate = V::mul(w, inverse);
