@@ -36,8 +36,8 @@ class DigitsLabel {
 
 class Conversion {
   public:
-    Conversion(const ConvertPlanP& plan, const char* name, Progress* progress)
-        : plan_(plan), name_(name), progress_(progress), owner_(std::this_thread::get_id()) {}
+    Conversion(const ConvertPlanP& plan, const char* name, Progress* progress, ConvertHooks* hooks)
+        : plan_(plan), name_(name), progress_(progress), hooks_(hooks), owner_(std::this_thread::get_id()) {}
 
     // The recursion; level is the highest that a node of m words may have. `parallel`: halves may be
     // converted at the same time.
@@ -76,6 +76,7 @@ class Conversion {
             low = node(level - 1, top - s, low_m, low_f, halves, parallel);
             high = node(level - 1, top, s, f, halves, parallel);
         }
+        if (hooks_) hooks_->halves(top, s, low_m, high, low);
         return join(top, m, s, low, high);
     }
 
@@ -117,6 +118,7 @@ class Conversion {
     const ConvertPlanP& plan_;
     const char* name_;
     Progress* progress_;
+    ConvertHooks* hooks_;
     std::thread::id owner_;
 };
 
@@ -130,13 +132,13 @@ void report_mismatch(Progress* progress, const ConvertResult& result) {
 
 ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, const char* name,
                       bool parallel, Word* destination_top, std::uint64_t m, const Word* fraction,
-                      std::uint64_t fraction_words, Progress* progress) {
+                      std::uint64_t fraction_words, Progress* progress, ConvertHooks* hooks) {
     if (plan.status()) {
         ConvertResult refused;
         refused.status = plan.status();
         return refused;
     }
-    const Conversion conversion(plan, name, progress);
+    const Conversion conversion(plan, name, progress, hooks);
     const ConvertResult result =
         conversion.node(plan.levels() - 1, destination_top, m, {fraction, fraction_words}, context, parallel);
     report_mismatch(progress, result);
@@ -147,16 +149,16 @@ ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, 
 
 ConvertResult convert_L(const ConvertPlanP& plan, const MultiplyContext& context, Word* destination_top,
                         std::uint64_t m, const Word* fraction, std::uint64_t fraction_words,
-                        Progress* progress) {
+                        Progress* progress, ConvertHooks* hooks) {
     return convert(plan, context, sequential_name, false, destination_top, m, fraction, fraction_words,
-                   progress);
+                   progress, hooks);
 }
 
 ConvertResult qmq_CBRv2_ci_btrf_T(const ConvertPlanP& plan, const MultiplyContext& context,
                                   Word* destination_top, std::uint64_t m, const Word* fraction,
-                                  std::uint64_t fraction_words, Progress* progress) {
-    return convert(plan, context, parallel_name, true, destination_top, m, fraction, fraction_words,
-                   progress);
+                                  std::uint64_t fraction_words, Progress* progress, ConvertHooks* hooks) {
+    return convert(plan, context, parallel_name, true, destination_top, m, fraction, fraction_words, progress,
+                   hooks);
 }
 
 }  // namespace qmp
