@@ -37,8 +37,8 @@ class Transform {
                const void* b, std::uint64_t bytes_b) const;
 
     // Rows. What is done to them: each operand's transform where it is still to do, and the product, a * b,
-    // transformed back, in a's place. With `square_b` b's rows take the place of a's first. b may be a; its own
-    // transform is not to do then.
+    // transformed back, in a's place. With `square_b` b's rows take the place of a's first. b may be a; its
+    // own transform is not to do then.
     struct RowWork {
         bool transform_a, transform_b, multiply;
         bool square_b = false;
@@ -54,7 +54,7 @@ class Transform {
 
   private:
     struct Window;
-    struct LeafRoots;
+    struct RowFactors;
 
     // body(workspace, begin, end) for ranges of [0, units), each with a workspace of its own.
     template <typename Body>
@@ -66,7 +66,9 @@ class Transform {
     double row_root(std::uint32_t prime, std::uint64_t row, bool inverse) const;
     void split_tile(PrimeRange primes, double* matrix, const void* operand, std::uint64_t bytes,
                     std::uint64_t tile, double* workspace) const;
-    // a, b: the matrices of the prime.
+    std::uint64_t mirror_row(std::uint64_t row) const;
+    // The rows of the group that do not come after their mirror rows, and these. a, b: the matrices of the
+    // prime.
     void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                        double* workspace) const;
     double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,
