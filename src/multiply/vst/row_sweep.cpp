@@ -51,10 +51,10 @@ struct Transform::LeafRoots {
     }
     // Layer l's number of the leaf is powers[leaf] of squaring step (leaf layers - 1 - l).
     void make_table(const TransformKernels& kernels, const Plan& plan, const PrimeModulus& modulus,
-                    std::uint64_t leaf) {
+                    std::uint64_t leaf, double scale) {
         kernels.leaf_table(table, base, plan.leaf_layers,
                            powers + static_cast<std::uint64_t>(plan.leaf_layers - 1) * count + leaf,
-                           -static_cast<std::ptrdiff_t>(count), modulus);
+                           -static_cast<std::ptrdiff_t>(count), scale, modulus);
     }
     // The factors of the layers above the leaves. The row's angle is that of its first leaf.
     void make_row_factors(const Plan& plan, std::uint64_t p, std::uint64_t row) {
@@ -123,7 +123,6 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
     const std::uint64_t scale =
         multiply_modulo(p - (p - 1) / plan_.size.points(), conversion.cofactor_inverse[prime], p);
     const double scale_value = balanced(scale, p);
-    const double scale_quotient = scale_value / static_cast<double>(p);
 
     const int row_layers = plan_.row_layers - plan_.leaf_layers;
     const Layers layers_down{leaf_points, row_layers, {down.values, down.quotients}, false};
@@ -141,14 +140,14 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
             double* leaf_a = row_a + leaf * leaf_points;
             double* leaf_b = row_b + leaf * leaf_points;
             if (forward) {
-                down.make_table(kernels_, plan_, modulus, row * leaves + leaf);
-                kernels_.leaf_forward(leaf_a, down.table, plan_.leaf_layers, modulus);
-                if (b != a) kernels_.leaf_forward(leaf_b, down.table, plan_.leaf_layers, modulus);
+                down.make_table(kernels_, plan_, modulus, row * leaves + leaf, 1);
+                kernels_.leaf_forward(leaf_a, down.table, down.base, plan_.leaf_layers, modulus);
+                if (b != a) kernels_.leaf_forward(leaf_b, down.table, down.base, plan_.leaf_layers, modulus);
             }
             if (inverse) {
-                kernels_.pointwise(leaf_a, leaf_b, leaf_points, scale_value, scale_quotient, modulus);
-                back.make_table(kernels_, plan_, modulus, row * leaves + leaf);
-                kernels_.leaf_inverse(leaf_a, back.table, plan_.leaf_layers, modulus);
+                kernels_.pointwise(leaf_a, leaf_b, leaf_points, modulus);
+                back.make_table(kernels_, plan_, modulus, row * leaves + leaf, scale_value);
+                kernels_.leaf_inverse(leaf_a, back.table, back.base, plan_.leaf_layers, modulus);
             }
         }
         if (inverse && row_layers > 0) {
