@@ -94,7 +94,7 @@ class ForwardLayers {
     void run(double* data, int l, std::uint64_t b, bool low) const {
         if (l == steps_.layers.layers) return;
         if (steps_.cached(l)) {
-            run_cached(data, l, b, low);
+            run_cached(data, l, b, 1, low);
             return;
         }
         const int bits = steps_.bits(l);
@@ -105,11 +105,15 @@ class ForwardLayers {
         }
     }
 
+    // All nodes of layer l with all below them; the data stay in the nearest cache.
+    void run_below(double* data, int l, bool low) const {
+        run_cached(data, l, 0, std::uint64_t{1} << l, low);
+    }
+
   private:
     bool low_after(int l, bool low) const { return !low && !steps_.trivial(l); }
 
-    void run_cached(double* data, int l, std::uint64_t first, bool low) const {
-        std::uint64_t count = 1;
+    void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count, bool low) const {
         while (l < steps_.layers.layers) {
             const int bits = steps_.bits(l);
             step(data, l, bits, first, count, low);
@@ -165,6 +169,8 @@ class InverseLayers {
         }
         step(data, l, bits, b, 1);
     }
+
+    void run_below(double* data, int l) const { run_cached(data, l, 0, std::uint64_t{1} << l); }
 
   private:
     void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count) const {
