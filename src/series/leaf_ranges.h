@@ -10,7 +10,8 @@
 // where the last one computes the term of index k < 2^Bits, 1 <= k, into Widths<Terms, Bits, 1> words each.
 //
 // Ranges are halved and merged as leaf_bisect() does it, and give the same words and check values. The check
-// values come from k and from the formulas of the merges; they know nothing of the words that they check.
+// values come from the factors of the terms and from the formulas of the merges; they know nothing of the
+// words of the products that they check.
 #pragma once
 
 #include <algorithm>
