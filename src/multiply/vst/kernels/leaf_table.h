@@ -60,11 +60,14 @@ alignas(64) constexpr double lanes_of_range[3][8] = {
 template <typename V>
 KERNEL_INLINE Factor<V> twist_of(const double* rho, std::ptrdiff_t stride, int last, double scale,
                                  const Modulus<V>& m) {
-    typename V::Real twist = V::set(scale);
-    for (int j = 0; j < log_lanes<V>; ++j) {
-        const typename V::Real power =
-            V::mul_add(V::load(lanes_of_bit[j]), V::set(rho[(last - j) * stride] - 1), V::set(1));
-        twist = m.multiply(twist, m.factor(power));
+    const auto power = [=](int j) KERNEL_INLINE_LAMBDA {
+        return V::mul_add(V::load(lanes_of_bit[j]), V::set(rho[(last - j) * stride] - 1), V::set(1));
+    };
+    // As few products one after the other as can be.
+    typename V::Real twist = m.multiply(power(0), m.factor(V::set(scale)));
+    if constexpr (log_lanes<V> == 2) twist = m.multiply(twist, m.factor(power(1)));
+    if constexpr (log_lanes<V> == 3) {
+        twist = m.multiply(twist, m.factor(m.multiply(power(1), m.factor(power(2)))));
     }
     return m.factor(m.reduce(twist));
 }
@@ -83,6 +86,12 @@ void leaf_table(double* table, const qmp::vst::LeafBase& base, int log_length, c
     const std::uint64_t nodes = std::uint64_t{1} << across;
     constexpr std::uint64_t lanes = V::lanes;
 
+    // The long chain of dependent operations first.
+    const Factor<V> twist = twist_of<V>(rho, stride, log_length - 1, scale, m);
+    store_factor<V>(table + 2 * nodes, twist);
+    store_factor<V>(table + 2 * nodes + 2 * lanes,
+                    m.factor(m.reduce(m.multiply(twist.value, m.factor(V::set(rho[0]))))));
+
     // The layers of fewer nodes than lanes share a vector.
     typename V::Real first = V::set(0);
     for (int l = 0; l < log_lanes<V>; ++l) {
@@ -95,10 +104,6 @@ void leaf_table(double* table, const qmp::vst::LeafBase& base, int log_length, c
             store_factors<V>(table + i, table + nodes + i, base.nodes + i, factor, m);
         }
     }
-    const Factor<V> twist = twist_of<V>(rho, stride, log_length - 1, scale, m);
-    store_factor<V>(table + 2 * nodes, twist);
-    store_factor<V>(table + 2 * nodes + 2 * lanes,
-                    m.factor(m.reduce(m.multiply(twist.value, m.factor(V::set(rho[0]))))));
 }
 
 // The table as the leaf's layers read it.

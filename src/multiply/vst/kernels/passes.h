@@ -127,8 +127,9 @@ KERNEL_INLINE void inverse_walks(From from, To to, double* data, std::uint64_t p
 
 // Log layers of the nodes [first, first + count) of layer l, each of 2^Log parts.
 template <typename V, int Log, bool Reduce>
-void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+KERNEL_FUNCTION void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first,
+                                  std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                  const Modulus<V>& modulus) {
     // Copies that no store to the data can be taken to change.
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
@@ -150,8 +151,9 @@ void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, 
 }
 
 template <typename V, int Log>
-void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+KERNEL_FUNCTION void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first,
+                                  std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                  const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
     if constexpr (Log == 2 && !has_pipeline<V>) {
@@ -173,9 +175,9 @@ void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, 
 
 // The same with the results going to rows of a matrix: the last step of a tile's columns.
 template <typename V, int Log, bool Reduce, bool Past>
-void forward_pass_to(double* first_row, std::uint64_t stride, double* data, std::uint64_t part, int l,
-                     std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                     const Modulus<V>& modulus) {
+KERNEL_FUNCTION void forward_pass_to(double* first_row, std::uint64_t stride, double* data,
+                                     std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                                     const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
     if constexpr (Log == 2 && !has_pipeline<V>) {
@@ -203,9 +205,9 @@ void forward_pass_to(const qmp::vst::MatrixRows& rows, double* data, std::uint64
 
 // The same with the inputs coming from there, and the next tile's part of the same rows being called for.
 template <typename V, int Log>
-void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part, int l,
-                       std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                       const Modulus<V>& modulus) {
+KERNEL_FUNCTION void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part,
+                                       int l, std::uint64_t first, std::uint64_t count,
+                                       const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
     if constexpr (Log == 2 && !has_pipeline<V>) {

@@ -60,7 +60,7 @@ struct LeafBase {
 struct TransformKernels {
     int log_lanes;
 
-    // Inputs at most 2.8 if `low`, else 4.5; outputs at most 4.5.
+    // Inputs at most 3 if `low`, else 4.9; outputs at most 4.9.
     void (*forward_layers)(double* data, const Layers& layers, const PrimeModulus& modulus, bool low);
     // Inputs and outputs at most 1.8.
     void (*inverse_layers)(double* data, const Layers& layers, const PrimeModulus& modulus);
@@ -82,13 +82,13 @@ struct TransformKernels {
     // points are multiplied by `scale` on their way, at most 0.5.
     void (*leaf_table)(double* table, const LeafBase& base, int log_length, const double* rho,
                        std::ptrdiff_t stride, double scale, const PrimeModulus& modulus);
-    // A leaf of 2^log_length points (6 to 10): inputs at most 4.5, outputs at most 6.8.
+    // A leaf of 2^log_length points (6 to 10): inputs at most 4.9, outputs at most 6.9.
     void (*leaf_forward)(double* data, const double* table, const LeafBase& base, int log_length,
                          const PrimeModulus& modulus);
     // Inputs and outputs at most 1.8.
     void (*leaf_inverse)(double* data, const double* table, const LeafBase& base, int log_length,
                          const PrimeModulus& modulus);
-    // a[i] = a[i] * b[i]. Inputs at most 6.8, outputs at most 1.8. b may be a.
+    // a[i] = a[i] * b[i]. Inputs at most 6.9, outputs at most 1.8. b may be a.
     void (*pointwise)(double* a, const double* b, std::uint64_t count, const PrimeModulus& modulus);
 };
 
