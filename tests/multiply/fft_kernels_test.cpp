@@ -227,12 +227,32 @@ TEST(FftPlan, KernelBlocks) {
     EXPECT_EQ(qmp::fft::kernel_block(22), 0u);
 }
 
+// The sums that the merge makes of the largest coefficients, to the last bit: whole pairs of the widest
+// points that have them fill 64 bits at the longest length and go beyond with any longer one.
+TEST(FftPlan, PairsOfCoefficientsFit) {
+    for (std::uint64_t b = 12; b <= qmp::fft::widest_whole_pair; ++b) {
+        const unsigned __int128 points = static_cast<unsigned __int128>(1) << (64 - 3 * b);
+        EXPECT_TRUE(qmp::fft::pairs_fit(b, std::uint64_t{1} << (64 - 3 * b)));
+        EXPECT_FALSE(qmp::fft::pairs_fit(b, (std::uint64_t{1} << (64 - 3 * b)) + 1));
+        const unsigned __int128 digit = (1u << b) - 1, coefficient = points * digit * digit;
+        const unsigned __int128 pair = coefficient + (coefficient << b);
+        unsigned __int128 carry = 0;
+        for (int i = 0; i < 64; ++i) carry = (pair + carry) >> (2 * b);
+        EXPECT_EQ((pair + carry) >> 64, 0u) << b;
+        EXPECT_NE((2 * pair) >> 64, 0u) << b;
+    }
+    for (std::uint64_t b = qmp::fft::widest_whole_pair + 1; b <= 21; ++b) {
+        EXPECT_TRUE(qmp::fft::pairs_fit(b, std::uint64_t{1} << 30));
+    }
+}
+
 #if GTEST_HAS_DEATH_TEST
 TEST(FftPlanDeathTest, Misuse) {
-    const OwnTable three(3, 9), one(1, 9);
+    const OwnTable three(3, 9), one(1, 9), long_one(1, 17);
     const char* message = "Invalid Function Parameters:";
     // An unknown point size, a length that is no multiple of the kernel's block, an exponent below 4, an
-    // unknown multiplier, a table of another multiplier, and one that is too short.
+    // unknown multiplier, a table of another multiplier, one that is too short, and a length at which a pair
+    // of coefficients does not fit a word.
     EXPECT_CRASH(Plan(make_params(1, 7, 8), one.table), message);
     EXPECT_CRASH(Plan(make_params(1, 7, 22), one.table), message);
     EXPECT_CRASH(Plan(make_params(1, 6, 17), one.table), message);
@@ -241,6 +261,7 @@ TEST(FftPlanDeathTest, Misuse) {
     EXPECT_CRASH(Plan(make_params(2, 7, 16), one.table), message);
     EXPECT_CRASH(Plan(make_params(1, 7, 16), three.table), message);
     EXPECT_CRASH(Plan(make_params(1, 10, 16), one.table), message);
+    EXPECT_CRASH(Plan(make_params(1, 17, 16), long_one.table), message);
 }
 #endif
 

@@ -1,5 +1,7 @@
 #include "multiply/fft/size_tables.h"
 
+#include "multiply/fft/kernels/kernels.h"
+
 namespace qmp::fft {
 namespace {
 
@@ -69,10 +71,11 @@ constexpr bool points_never_shrink() {
 static_assert(points_never_shrink());
 
 // What the rounding rests on (NUMERICS.md): coefficients below 2^51, and N * 2^(2b - 2), the bound of a
-// coefficient of centred points, at most 2^47.
+// coefficient of centred points, at most 2^47. And what the merge counts on.
 constexpr bool within_precision(const FftParams* rows, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         if (rows[i].points << (2 * rows[i].b - 2) > std::uint64_t{1} << 47) return false;
+        if (!pairs_fit(rows[i].b, rows[i].points)) return false;
     }
     return true;
 }

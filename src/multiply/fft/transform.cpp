@@ -162,7 +162,8 @@ Plan::Plan(const FftParams& fft_params, const TwiddleTable& twiddles)
     const std::uint64_t block = kernel_block(params.b);
     const bool known_multiplier = params.r == 1 || params.r == 3 || params.r == 5 || params.r == 7;
     if (params.k < shortest_exponent || !known_multiplier || block == 0 || params.points % block != 0 ||
-        table->multiplier() != params.r || table->exponent() < params.k) {
+        table->multiplier() != params.r || table->exponent() < params.k ||
+        !pairs_fit(params.b, params.points)) {
         invalid_function_parameters("qmp::fft::Plan::Plan()");
     }
 }

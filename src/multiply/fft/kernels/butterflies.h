@@ -36,48 +36,92 @@ KERNEL_INLINE void inverse_dft4(Complex<V>& a, Complex<V>& b, Complex<V>& c, Com
     d = add_i(t1, t3);
 }
 
-// x * e^(i pi / 4) and x * e^(-i pi / 4)
+// (1 + i) x and (1 - i) x, which are sqrt(2) e^(i pi / 4) x and sqrt(2) e^(-i pi / 4) x
 template <typename V>
-KERNEL_INLINE Complex<V> eighth_turn(Complex<V> x) {
-    const auto h = V::set(sqrt_half);
-    return {V::mul(V::sub(x.re, x.im), h), V::mul(V::add(x.re, x.im), h)};
+KERNEL_INLINE Complex<V> long_eighth_turn(Complex<V> x) {
+    return {V::sub(x.re, x.im), V::add(x.re, x.im)};
 }
 
 template <typename V>
-KERNEL_INLINE Complex<V> eighth_turn_back(Complex<V> x) {
+KERNEL_INLINE Complex<V> long_eighth_turn_back(Complex<V> x) {
+    return {V::add(x.re, x.im), V::sub(x.im, x.re)};
+}
+
+// a + h b, a - h b, a + i h b and a - i h b with h = sqrt(1/2): what makes the long turns right costs nothing
+// in the additions that follow them.
+template <typename V>
+KERNEL_INLINE Complex<V> add_shortened(Complex<V> a, Complex<V> b) {
     const auto h = V::set(sqrt_half);
-    return {V::mul(V::add(x.re, x.im), h), V::mul(V::sub(x.im, x.re), h)};
+    return {V::mul_add(b.re, h, a.re), V::mul_add(b.im, h, a.im)};
 }
 
 template <typename V>
+KERNEL_INLINE Complex<V> sub_shortened(Complex<V> a, Complex<V> b) {
+    const auto h = V::set(sqrt_half);
+    return {V::neg_mul_add(b.re, h, a.re), V::neg_mul_add(b.im, h, a.im)};
+}
+
+template <typename V>
+KERNEL_INLINE Complex<V> add_i_shortened(Complex<V> a, Complex<V> b) {
+    const auto h = V::set(sqrt_half);
+    return {V::neg_mul_add(b.im, h, a.re), V::mul_add(b.re, h, a.im)};
+}
+
+template <typename V>
+KERNEL_INLINE Complex<V> sub_i_shortened(Complex<V> a, Complex<V> b) {
+    const auto h = V::set(sqrt_half);
+    return {V::mul_add(b.im, h, a.re), V::neg_mul_add(b.re, h, a.im)};
+}
+
+template <bool Fused, typename V>
+KERNEL_INLINE void sum_difference(Complex<V> a, Complex<V> b, Complex<V>& sum, Complex<V>& difference) {
+    if constexpr (Fused) {
+        auto one = V::set(1.0);
+        V::pin(one);
+        sum = {V::mul_add(b.re, one, a.re), V::mul_add(b.im, one, a.im)};
+        difference = {V::neg_mul_add(b.re, one, a.re), V::neg_mul_add(b.im, one, a.im)};
+    } else {
+        sum = a + b;
+        difference = a - b;
+    }
+}
+
+// `Fused`: the first layer as multiply-adds with a factor of one, where other units than those for additions
+// would be idle.
+template <bool Fused = false, typename V>
 KERNEL_INLINE void forward_dft8(Complex<V> (&x)[8]) {
-    Complex<V> e0 = x[0] + x[4], e1 = x[1] + x[5], e2 = x[2] + x[6], e3 = x[3] + x[7];
-    Complex<V> o0 = x[0] - x[4], o2 = x[2] - x[6];
-    Complex<V> o1 = eighth_turn(x[1] - x[5]);
-    Complex<V> o3 = eighth_turn(x[3] - x[7]);  // lacks a quarter turn, as o2 does
+    Complex<V> e0, e1, e2, e3, o0, o1, o2, o3;  // o[t] before its turn by e^(i pi t / 4)
+    sum_difference<Fused>(x[0], x[4], e0, o0);
+    sum_difference<Fused>(x[1], x[5], e1, o1);
+    sum_difference<Fused>(x[2], x[6], e2, o2);
+    sum_difference<Fused>(x[3], x[7], e3, o3);
     forward_dft4(e0, e1, e2, e3);
     x[0] = e0, x[1] = e1, x[2] = e2, x[3] = e3;
-    const Complex<V> t0 = add_i(o0, o2), t1 = sub_i(o0, o2), t2 = add_i(o1, o3), t3 = sub_i(o1, o3);
-    x[4] = t0 + t2;
-    x[5] = t0 - t2;
-    x[6] = add_i(t1, t3);
-    x[7] = sub_i(t1, t3);
+    const Complex<V> t0 = add_i(o0, o2), t1 = sub_i(o0, o2);
+    const Complex<V> t2 = long_eighth_turn(add_i(o1, o3)), t3 = long_eighth_turn(sub_i(o1, o3));
+    x[4] = add_shortened(t0, t2);
+    x[5] = sub_shortened(t0, t2);
+    x[6] = add_i_shortened(t1, t3);
+    x[7] = sub_i_shortened(t1, t3);
 }
 
-template <typename V>
+template <bool Fused = false, typename V>
 KERNEL_INLINE void inverse_dft8(Complex<V> (&x)[8]) {
-    Complex<V> e0 = x[0], e1 = x[1], e2 = x[2], e3 = x[3];
-    inverse_dft4(e0, e1, e2, e3);
-    const Complex<V> t0 = x[4] + x[5], t1 = x[6] + x[7], t2 = x[4] - x[5], t3 = x[6] - x[7];
-    // o[t] before its turn by e^(-i pi t / 4), up to quarter turns
+    Complex<V> s0, s1, s2, s3, t0, t1, t2, t3;
+    sum_difference<Fused>(x[0], x[1], s0, s2);
+    sum_difference<Fused>(x[2], x[3], s1, s3);
+    sum_difference<Fused>(x[4], x[5], t0, t2);
+    sum_difference<Fused>(x[6], x[7], t1, t3);
+    const Complex<V> e0 = s0 + s1, e1 = sub_i(s2, s3), e2 = s0 - s1, e3 = add_i(s2, s3);
+    // o[t] up to quarter turns and, for odd t, the factor sqrt(2)
     const Complex<V> o0 = t0 + t1;
     const Complex<V> o2 = t0 - t1;
-    const Complex<V> o1 = eighth_turn_back(sub_i(t2, t3));
-    const Complex<V> o3 = eighth_turn_back(add_i(t2, t3));
+    const Complex<V> o1 = long_eighth_turn_back(sub_i(t2, t3));
+    const Complex<V> o3 = long_eighth_turn_back(add_i(t2, t3));
     x[0] = e0 + o0, x[4] = e0 - o0;
-    x[1] = e1 + o1, x[5] = e1 - o1;
+    x[1] = add_shortened(e1, o1), x[5] = sub_shortened(e1, o1);
     x[2] = sub_i(e2, o2), x[6] = add_i(e2, o2);
-    x[3] = sub_i(e3, o3), x[7] = add_i(e3, o3);
+    x[3] = sub_i_shortened(e3, o3), x[7] = add_i_shortened(e3, o3);
 }
 
 // The transform of V::lanes numbers.
@@ -93,9 +137,9 @@ KERNEL_INLINE void dft_lanes(Complex<V> (&x)[V::lanes]) {
         }
     } else {
         if constexpr (Inverse) {
-            inverse_dft8(x);
+            inverse_dft8<true>(x);
         } else {
-            forward_dft8(x);
+            forward_dft8<true>(x);
         }
     }
 }

@@ -14,6 +14,13 @@ constexpr int smallest_width = 9;
 constexpr int largest_width = 21;
 constexpr int width_count = largest_width - smallest_width + 1;
 
+// Up to this width the merge puts two whole coefficients, even + odd * 2^width, and a carry into 64 bits.
+// Coefficients are at most N (2^width - 1)^2 and the carry is less than N 2^width.
+constexpr int widest_whole_pair = 16;
+constexpr bool pairs_fit(std::uint64_t width, std::uint64_t points) {
+    return width > widest_whole_pair || points <= std::uint64_t{1} << (64 - 3 * width);
+}
+
 // Positions [begin, end) of every block of `length` complex numbers (passes.h).
 using Pass4 = void (*)(double* data, std::uint64_t length, std::uint64_t blocks, const double* level,
                        std::uint64_t begin, std::uint64_t end);

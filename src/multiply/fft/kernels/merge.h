@@ -7,11 +7,17 @@
 // A coefficient is the integer nearest to value * scale + shift. It comes out of one multiply-add with
 // 2^52 + 2^51 + shift, whose sum lies in [2^52, 2^53), where the last mantissa bit is worth one: the
 // exact coefficient, which is never negative and less than 2^51, is then in the low 51 mantissa bits.
+//
+// The chain of carries is what takes time, an addition and a shift for every link. So it is one of pairs of
+// coefficients, even + odd * 2^Width. Points of up to 16 bits leave room for whole pairs in 64 bits
+// (pairs_fit(), kernels.h). Of wider ones the pair takes the lowest digit of its odd coefficient, and the
+// rest goes to the pair after it: even + 2^Width * digit + rest + carry < 2^51 + 2^42 + 2^34 + 2^34.
 #pragma once
 
 #include <cstdint>
 
 #include "multiply/fft/kernels/complex.h"
+#include "multiply/fft/kernels/kernels.h"
 
 namespace {
 
@@ -27,6 +33,8 @@ class BlockMerger {
           offset_(V::set(offset)),
           coefficient_mask_(V::set_bits((std::uint64_t{1} << 51) - 1)),
           digit_mask_(V::set_bits((std::uint64_t{1} << Width) - 1)),
+          pair_mask_(V::set_bits((std::uint64_t{1} << pair_width) - 1)),
+          rest_(V::set_bits(0)),
           carry_(V::set_bits(0)),
           word_(V::set_bits(0)) {}
 
@@ -52,55 +60,72 @@ class BlockMerger {
 
     KERNEL_INLINE void store_carries(std::uint64_t* target, int used) {
         std::uint64_t carries[lanes];
-        V::store(carries, carry_);
+        V::store(carries, V::add(carry_, rest_));
         for (int l = 0; l < used; ++l) target[l] = carries[l];
     }
 
   private:
-    // Elements (pairs of points) First and up, `lanes` of each row at a time.
+    static constexpr int pair_width = 2 * Width;
+    static constexpr bool whole_pairs = Width <= qmp::fft::widest_whole_pair;
+
+    // Pairs of points (elements) First and up, `lanes` of each row at a time.
     template <int First>
     KERNEL_INLINE void take_elements(const double* const (&rows)[lanes]) {
         if constexpr (First < static_cast<int>(points_per_block / 2)) {
-            typename V::Real even[lanes], odd[lanes];
+            typename V::Bits pairs[lanes], rests[lanes];
             KERNEL_UNROLL(8)
             for (int l = 0; l < lanes; ++l) {
-                even[l] = V::load(rows[l] + 2 * First);
-                odd[l] = V::load(rows[l] + 2 * First + lanes);
+                const auto even = coefficients(rows[l] + 2 * First);
+                const auto odd = coefficients(rows[l] + 2 * First + lanes);
+                if constexpr (whole_pairs) {
+                    pairs[l] = V::add(even, V::template shift_left<Width>(odd));
+                } else {
+                    pairs[l] = V::add(even, V::template shift_left<Width>(V::bit_and(odd, digit_mask_)));
+                    rests[l] = V::template shift_right<Width>(odd);
+                }
             }
-            V::transpose(even);
-            V::transpose(odd);
-            take_pairs<First, 0>(even, odd);
+            V::transpose(pairs);
+            if constexpr (!whole_pairs) V::transpose(rests);
+            take_pairs<First, 0>(pairs, rests);
             take_elements<First + lanes>(rows);
         }
     }
 
+    KERNEL_INLINE typename V::Bits coefficients(const double* values) const {
+        return V::bit_and(V::bits(V::mul_add(V::load(values), scale_, offset_)), coefficient_mask_);
+    }
+
     template <int First, int T>
-    KERNEL_INLINE void take_pairs(const typename V::Real (&even)[lanes], const typename V::Real (&odd)[lanes]) {
+    KERNEL_INLINE void take_pairs(const typename V::Bits (&pairs)[lanes],
+                                  const typename V::Bits (&rests)[lanes]) {
         if constexpr (T < lanes) {
-            take<2 * (First + T)>(even[T]);
-            take<2 * (First + T) + 1>(odd[T]);
-            take_pairs<First, T + 1>(even, odd);
+            if constexpr (whole_pairs) {
+                take<First + T>(pairs[T]);
+            } else {
+                take<First + T>(V::add(pairs[T], rest_));
+                rest_ = rests[T];
+            }
+            take_pairs<First, T + 1>(pairs, rests);
         }
     }
 
-    template <int Point>
-    KERNEL_UNROLLED void take(typename V::Real value) {
-        constexpr int position = Point * Width;
+    template <int Pair>
+    KERNEL_UNROLLED void take(typename V::Bits pair) {
+        constexpr int position = Pair * pair_width;
         constexpr int word = position / 64;
         constexpr int offset = position % 64;
-        const auto coefficient = V::bit_and(V::bits(V::mul_add(value, scale_, offset_)), coefficient_mask_);
-        carry_ = V::add(carry_, coefficient);
-        const auto digit = V::bit_and(carry_, digit_mask_);
-        carry_ = V::template shift_right<Width>(carry_);
-        word_ = offset == 0 ? digit : V::bit_or(word_, V::template shift_left<offset>(digit));
-        if constexpr (offset + Width >= 64) {
+        carry_ = V::add(carry_, pair);
+        const auto digits = V::bit_and(carry_, pair_mask_);
+        carry_ = V::template shift_right<pair_width>(carry_);
+        word_ = offset == 0 ? digits : V::bit_or(word_, V::template shift_left<offset>(digits));
+        if constexpr (offset + pair_width >= 64) {
             V::store(words_[word], word_);
-            if constexpr (offset + Width > 64) word_ = V::template shift_right<64 - offset>(digit);
+            if constexpr (offset + pair_width > 64) word_ = V::template shift_right<64 - offset>(digits);
         }
     }
 
     typename V::Real scale_, offset_;
-    typename V::Bits coefficient_mask_, digit_mask_, carry_, word_;
+    typename V::Bits coefficient_mask_, digit_mask_, pair_mask_, rest_, carry_, word_;
     alignas(64) std::uint64_t words_[Width][lanes];
 };
 
