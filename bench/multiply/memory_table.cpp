@@ -5,7 +5,7 @@
 
 #include "multiply/instruction_levels.h"
 #include "multiply/multiply.h"
-#include "workspace.h"
+#include "support/workspace.h"
 
 namespace bench {
 namespace {

@@ -1,47 +1,19 @@
 // The multiplication engine's bench table: one command prints all of it (--help).
-#include <cpuid.h>
-#include <gmp.h>
-
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <ctime>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "memory_table.h"
 #include "options.h"
 #include "product_tables.h"
 #include "step_scan.h"
-#include "timing.h"
+#include "support/machine.h"
+#include "support/timing.h"
 
 namespace {
 
-std::string processor_name() {
-    unsigned int registers[12] = {};
-    for (unsigned int i = 0; i < 3; ++i) {
-        unsigned int* r = registers + 4 * i;
-        if (!__get_cpuid(0x80000002 + i, r, r + 1, r + 2, r + 3)) return "unknown";
-    }
-    char name[sizeof registers + 1] = {};
-    std::memcpy(name, registers, sizeof registers);
-    return name;
-}
-
 void print_head(const bench::Options& options) {
-    const std::time_t seconds = std::time(nullptr);
-    char date[32];
-    std::strftime(date, sizeof date, "%Y-%m-%d %H:%M UTC", std::gmtime(&seconds));
-    std::printf("Date:       %s\n", date);
-    std::printf("Processor:  %s, %u logical processors\n", processor_name().c_str(),
-                std::thread::hardware_concurrency());
-#ifdef __clang__
-    std::printf("Compiler:   clang %s\n", __VERSION__);
-#else
-    std::printf("Compiler:   g++ %s\n", __VERSION__);
-#endif
-    std::printf("Rival:      GMP %s, one thread\n", gmp_version);
+    bench::print_machine();
     std::printf("Levels:    ");
     for (const std::string& level : options.levels) std::printf(" %s", level.c_str());
     std::printf("\nTimes:      medians of %s, alternating with GMP's; GMP/ours above 1: ours is faster\n",

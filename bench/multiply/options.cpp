@@ -1,80 +1,24 @@
 #include "options.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
-#include <string_view>
 
-#include "multiply/instruction_levels.h"
+#include "support/arguments.h"
 
 namespace bench {
-namespace {
-
-std::vector<std::string> items(std::string_view list) {
-    std::vector<std::string> result;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(','), list.size());
-        result.emplace_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return result;
-}
-
-std::vector<std::uint64_t> numbers(std::string_view list) {
-    std::vector<std::uint64_t> result;
-    for (const std::string& item : items(list)) {
-        std::size_t used = 0;
-        const double value = std::stod(item, &used);
-        if (used != item.size() || !(value >= 1) || value > 1e12) {
-            throw std::invalid_argument("Not a positive number: " + item);
-        }
-        result.push_back(static_cast<std::uint64_t>(value));
-    }
-    return result;
-}
-
-std::vector<std::string> supported_levels() {
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < qmp::instruction_level_count; ++i) {
-        const auto level = static_cast<qmp::InstructionLevel>(i);
-        if (qmp::supported(level)) names.emplace_back(qmp::name_of(level));
-    }
-    return names;
-}
-
-std::vector<std::string> chosen(const std::vector<std::string>& wanted, const std::vector<std::string>& known,
-                                const char* what) {
-    for (const std::string& item : wanted) {
-        if (std::find(known.begin(), known.end(), item) != known.end()) continue;
-        std::string message = std::string("No such ") + what + " here: " + item + ". There are";
-        for (const std::string& name : known) message += " " + name;
-        throw std::invalid_argument(message);
-    }
-    std::vector<std::string> result;
-    for (const std::string& name : known) {
-        if (std::find(wanted.begin(), wanted.end(), name) != wanted.end()) result.push_back(name);
-    }
-    return result;
-}
-
-}  // namespace
 
 Options parse_options(int argc, char** argv) {
     Options options;
     options.parts = all_parts;
     options.levels = supported_levels();
     for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        const std::size_t equals = argument.find('=');
-        const std::string_view name = argument.substr(0, equals);
-        const std::string_view value =
-            equals == std::string_view::npos ? std::string_view() : argument.substr(equals + 1);
-        if (argument == "--help") {
+        const auto [name, value] = Argument(argv[i]);
+        if (name == "--help" && value.empty()) {
             options.help = true;
-        } else if (argument == "--processor-time") {
+        } else if (name == "--processor-time" && value.empty()) {
             options.processor_time = true;
         } else if (value.empty()) {
-            throw std::invalid_argument("Unknown option: " + std::string(argument));
+            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
         } else if (name == "--parts") {
             options.parts = chosen(items(value), all_parts, "part");
         } else if (name == "--levels") {
@@ -86,7 +30,7 @@ Options parse_options(int argc, char** argv) {
         } else if (name == "--budget") {
             options.budget = std::stod(std::string(value));
         } else {
-            throw std::invalid_argument("Unknown option: " + std::string(argument));
+            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
         }
     }
     return options;

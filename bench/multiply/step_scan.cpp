@@ -5,8 +5,8 @@
 
 #include "multiply/instruction_levels.h"
 #include "multiply/multiply.h"
-#include "timing.h"
-#include "workspace.h"
+#include "support/timing.h"
+#include "support/workspace.h"
 
 namespace bench {
 namespace {

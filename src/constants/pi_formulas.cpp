@@ -1,5 +1,6 @@
 #include "constants/pi_formulas.h"
 
+#include "constants/pi_terms.h"
 #include "errors/check.h"
 #include "series/leaf_bisection.h"
 #include "series/leaf_int.h"
@@ -44,36 +45,44 @@ void cube(BasicInt& x, Word c, std::uint64_t k) {
 }
 
 struct ChudnovskyKernel {
+    using Numbers = ChudnovskyNumbers;
     static constexpr std::uint64_t words = p_words;
-    static constexpr std::uint64_t leaf_size = 8;
-    static constexpr std::uint64_t longest_range = leaf_size - 1;
+    static constexpr std::uint64_t longest_range = Numbers::leaf_size - 1;
 
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Pi_Chudnovsky_BSR_End_PR1(P, R, k);
         Pi_Chudnovsky_BSR_End_Q1(Q, k);
     }
+    // One more bit and P takes three words; the following steps serve the largest computations.
+    static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
+        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 23, 31, 39>(P, Q, R, a, b);
+    }
 };
 
 struct RamanujanKernel {
+    using Numbers = RamanujanNumbers;
     static constexpr std::uint64_t words = p_words;
-    static constexpr std::uint64_t leaf_size = 12;
-    static constexpr std::uint64_t longest_range = leaf_size - 1;
+    static constexpr std::uint64_t longest_range = Numbers::leaf_size - 1;
 
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Pi_Ramanujan_BSR_End_R1(R, k);
         Pi_Ramanujan_BSR_End_P1(P, R, k);
         Pi_Ramanujan_BSR_End_Q1(Q, k);
     }
+    static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
+        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 27, 31, 39>(P, Q, R, a, b);
+    }
 };
 
 template <typename Kernel>
 class TermByTermSeries final : public BSS_P2B3_Type0 {
   public:
-    TermByTermSeries(bool alternates, const SeriesCost& model)
-        : BSS_P2B3_Type0(alternates, 23, Kernel::leaf_size, model) {}
+    explicit TermByTermSeries(const SeriesCost& model)
+        : BSS_P2B3_Type0(Kernel::Numbers::alternating, 23, Kernel::Numbers::leaf_size, model) {}
 
     void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext&, std::uint64_t a,
                  std::uint64_t b) const override {
+        if (Kernel::sum_leaf(P, Q, R, a, b)) return;
         LeafOutputs out = {{P.base, P.AL}, {Q.base, Q.AL}, {R.base, R.AL}};
         leaf_bisect(Kernel(), alternating, out, a, b);
         set_leaf(P, out.P);
@@ -85,8 +94,8 @@ class TermByTermSeries final : public BSS_P2B3_Type0 {
 // Per term: ln(640320^3 / 1728) and ln(640320^3 / 24).
 const BSS_P2B3_Type0& chudnovsky() {
     static const TermByTermSeries<ChudnovskyKernel> series(
-        true, SeriesCost::of(parse_literal("32.65445004176851599077913804969300490729"),
-                             parse_literal("36.93111616078457130182132488791258602081"), 3));
+        SeriesCost::of(parse_literal("32.65445004176851599077913804969300490729"),
+                       parse_literal("36.93111616078457130182132488791258602081"), 3));
     return series;
 }
 
@@ -94,8 +103,8 @@ const BSS_P2B3_Type0& chudnovsky() {
 // are, and ln(396^4 / 8).
 const BSS_P2B3_Type0& ramanujan() {
     static const TermByTermSeries<RamanujanKernel> series(
-        false, SeriesCost::of(parse_literal("18.38047627747241588639166145022043732094"),
-                              parse_literal("21.84621530333808625449589681453160567684"), 3));
+        SeriesCost::of(parse_literal("18.38047627747241588639166145022043732094"),
+                       parse_literal("21.84621530333808625449589681453160567684"), 3));
     return series;
 }
 
@@ -119,12 +128,12 @@ void Pi_Chudnovsky_BSR_End_PR1(BasicInt& P, BasicInt& R, std::uint64_t k) {
     leaf_set(R, 6 * k - 5);
     leaf_mul(R, 2 * k - 1);
     leaf_mul(R, 6 * k - 1);
-    mul_linear(P, R, 545140134, 13591409, k);
+    mul_linear(P, R, ChudnovskyNumbers::A, ChudnovskyNumbers::B, k);
 }
 
 void Pi_Chudnovsky_BSR_End_Q1(BasicInt& Q, std::uint64_t k) {
     require_capacity("Pi_Chudnovsky_BSR_End_Q1()", Q.AL, q_words);
-    cube(Q, 10939058860032000, k);
+    cube(Q, ChudnovskyNumbers::C, k);
 }
 
 void Pi_Ramanujan_BSR_End_R1(BasicInt& R, std::uint64_t k) {
@@ -136,12 +145,12 @@ void Pi_Ramanujan_BSR_End_R1(BasicInt& R, std::uint64_t k) {
 
 void Pi_Ramanujan_BSR_End_P1(BasicInt& P, const BasicInt& R, std::uint64_t k) {
     require_capacity("Pi_Ramanujan_BSR_End_P1()", P.AL, p_words);
-    mul_linear(P, R, 26390, 1103, k);
+    mul_linear(P, R, RamanujanNumbers::A, RamanujanNumbers::B, k);
 }
 
 void Pi_Ramanujan_BSR_End_Q1(BasicInt& Q, std::uint64_t k) {
     require_capacity("Pi_Ramanujan_BSR_End_Q1()", Q.AL, q_words);
-    cube(Q, 3073907232, k);
+    cube(Q, RamanujanNumbers::C, k);
 }
 
 }  // namespace kelvara

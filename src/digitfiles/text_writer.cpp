@@ -10,7 +10,7 @@ TextWriter::TextWriter(const std::string& path, const std::string& first_digits,
                        std::uint32_t radix)
     : radix_(radix) {
     constexpr const char* function = "TextWriter::TextWriter()";
-    file_.create(path);
+    file_.create_for_streaming(path);
     if (!first_digits.empty()) {
         const std::size_t point = first_digits.find('.');
         if (point == std::string::npos) fail(function, "No decimal place was found.");
@@ -43,7 +43,7 @@ void TextWriter::finish() {
     flush();
     if (!file_.is_open()) return;
     file_.close();
-    // Some systems report only here that a block did not reach the disk.
+    // Blocks that do not reach the disk may show only now.
     if (file_.last_error() != 0) fail("TextWriter::close()", "Error writing to file.");
 }
 

@@ -6,6 +6,7 @@
 // both ends of the product are not valid (see BigFloatTransform).
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -15,6 +16,9 @@
 #include "multiply/word.h"
 
 namespace qmp {
+
+// What was done to an operand: all of its transform, or the first part.
+enum class OperandState : std::uint8_t { whole, begun };
 
 class TransformParameters {
  public:
@@ -39,6 +43,25 @@ class TransformParameters {
     virtual void inverse_square(const MultiplyContext& context, Word* a, Word* destination, std::uint64_t first,
                                 std::uint64_t end) const = 0;
     virtual bool compatible_with(const TransformParameters& other) const = 0;
+
+    // The same in two parts. Where the last layers of a transform and the pointwise product are one way
+    // through memory, an operand is better left begun: finish_multiply() does what is left of either
+    // transform on its way. A begun operand is good for nothing else. `b` is whole afterwards.
+    virtual OperandState begin_forward(const MultiplyContext& context, Word* transformed, const Word* operand,
+                                       std::uint64_t length) const {
+        forward(context, transformed, operand, length);
+        return OperandState::whole;
+    }
+    virtual void finish_multiply(const MultiplyContext& context, Word* a, OperandState, Word* b, OperandState,
+                                 Word* destination, std::uint64_t first, std::uint64_t end) const {
+        inverse_multiply(context, a, b, destination, first, end);
+    }
+    // The square of `a`, which is kept and whole afterwards; `space`, of operand_words, is overwritten.
+    virtual void finish_square(const MultiplyContext& context, Word* space, Word* a, OperandState,
+                               Word* destination, std::uint64_t first, std::uint64_t end) const {
+        std::copy_n(a, operand_words, space);
+        inverse_multiply(context, space, a, destination, first, end);
+    }
 };
 
 // Storage for one parameter object of any algorithm.

@@ -26,8 +26,7 @@ void newton::inverse_square_root_step_P(const MultiplyContext& context, BigFloat
     {
         StepLabel label(progress, " - 0S - ", estimate_p);
         transforms.transform_kept(estimate.cut(estimate_p + 2));
-        transforms.copy_kept_to_other();
-        transforms.multiply(r, 2 * estimate.top(), p);
+        transforms.square_kept(r, 2 * estimate.top(), p);
         r.mul_uW(context, w);
         r.truncate_above(known_top);
         side = take_error_below(function_name, r, known_top, estimate_p);

@@ -6,7 +6,6 @@
 #include "console/console.h"
 #include "console/format.h"
 #include "errors/exception.h"
-#include "numbers/parallel_copy.h"
 
 namespace qmp::newton {
 namespace {
@@ -124,12 +123,6 @@ StepTransforms::StepTransforms(const char* function, const MultiplyContext& cont
       after_kept_(context.after(parameters_.operand_words, function)),
       other_buffer_(after_kept_.scratch),
       rest_(after_kept_.after(parameters_.operand_words, function)) {}
-
-void StepTransforms::copy_kept_to_other() {
-    parallel_copy(rest_.parallel(), other_buffer_, kept_buffer_, parameters_.operand_words);
-    other = kept;
-    other.data = other_buffer_;
-}
 
 StepLabel::StepLabel(Progress* progress, std::string_view text, std::uint64_t precision)
     : progress_(progress) {

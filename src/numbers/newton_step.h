@@ -66,7 +66,10 @@ class StepTransforms {
 
     void transform_kept(BigFloatView operand) { kept.forward(rest_, parameters_, kept_buffer_, operand); }
     void transform_other(BigFloatView operand) { other.forward(rest_, parameters_, other_buffer_, operand); }
-    void copy_kept_to_other();
+    // destination = kept^2, as multiply(); the other operand's buffer is used.
+    void square_kept(BigFloat& destination, std::int64_t te, std::uint64_t p) {
+        BigFloatTransformR::inverse_fsqr_kept(rest_, destination, kept, other_buffer_, te, p);
+    }
     // destination = kept * other, words below te, at most p + 2 of them.
     void multiply(BigFloat& destination, std::int64_t te, std::uint64_t p) {
         BigFloatTransformR::inverse_fmul(rest_, destination, other, kept, te, p);

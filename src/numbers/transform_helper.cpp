@@ -75,7 +75,7 @@ TransformHelper::TransformHelper(const MultiplyContext& context, BigFloat& p1, s
     const auto product = [](BigFloat& destination, std::uint64_t precision, BigFloatView operand) {
         return
             [&destination, precision, operand](const TransformParameters& transform,
-                                               const Workspace& workspace, const BigFloatTransformR& shared) {
+                                               const Workspace& workspace, BigFloatTransformR& shared) {
                 if (operand.is_zero()) return destination.set_zero();
                 check_fits(transform, operand.L);
                 BigFloatTransformR other;
@@ -94,7 +94,7 @@ TransformHelper::TransformHelper(const MultiplyContext& context, ExactFloat& p1,
                                  ExactFloatView a, ExactFloatView b, ExactFloatView x) {
     const auto product = [](ExactFloat& destination, ExactFloatView operand) {
         return [&destination, operand](const TransformParameters& transform, const Workspace& workspace,
-                                       const ExactFloatTransformR& shared) {
+                                       ExactFloatTransformR& shared) {
             ExactFloatTransformR other;
             other.forward(workspace.rest, transform, workspace.other, operand);
             ExactFloatTransformR::inverse_fmul(workspace.rest, destination, other, shared);

@@ -23,7 +23,7 @@ void finish(ExactFloat& destination, std::uint64_t n, std::int64_t exp, std::uin
 }
 
 void multiply(const char* function, const MultiplyContext& context, ExactFloat& destination,
-              ExactFloatTransformR& a, const ExactFloatTransformR& b, std::int64_t exp, std::uint64_t hash) {
+              ExactFloatTransformR& a, ExactFloatTransformR& b, std::int64_t exp, std::uint64_t hash) {
     if (!a.data || !b.data) invalid_function_parameters(function);
     if (a.parameters != b.parameters && !a.parameters->compatible_with(*b.parameters)) {
         throw InvalidParametersException(function, "Mismatching Transform Parameters");
@@ -31,7 +31,8 @@ void multiply(const char* function, const MultiplyContext& context, ExactFloat& 
     const std::uint64_t n = a.L + b.L;
     check_product(function, *a.parameters, destination, n);
     destination.T = destination.base;
-    a.parameters->inverse_multiply(context, a.data, b.data, destination.T, 0, n);
+    a.parameters->finish_multiply(context, a.data, a.state, b.data, b.state, destination.T, 0, n);
+    b.state = OperandState::whole;
     a.data = nullptr;
     finish(destination, n, exp, hash);
 }
@@ -40,6 +41,7 @@ void describe(ExactFloatTransformR& operand, const TransformParameters& transfor
               ExactFloatView source) {
     operand.parameters = &transform;
     operand.data = buffer;
+    operand.state = OperandState::whole;
     operand.exp = source.exp;
     operand.L = source.L;
     operand.hash = source.hash;
@@ -51,8 +53,8 @@ void ExactFloatTransformR::forward(const MultiplyContext& context, const Transfo
                                    Word* buffer, ExactFloatView source) {
     if (source.L > transform.convolution_words())
         invalid_function_parameters("ExactFloatTransformR::forward()");
-    transform.forward(context, buffer, source.T, source.L);
     describe(*this, transform, buffer, source);
+    state = transform.begin_forward(context, buffer, source.T, source.L);
 }
 
 void ExactFloatTransformR::forward_for_square(const MultiplyContext& context,
@@ -66,14 +68,13 @@ void ExactFloatTransformR::forward_for_square(const MultiplyContext& context,
 }
 
 void ExactFloatTransformR::inverse_fmul(const MultiplyContext& context, ExactFloat& destination,
-                                        ExactFloatTransformR& a, const ExactFloatTransformR& b) {
+                                        ExactFloatTransformR& a, ExactFloatTransformR& b) {
     multiply("ExactFloatTransformR::inverse_fmul()", context, destination, a, b, a.exp + b.exp,
              check_mul(a.hash, b.hash));
 }
 
 void ExactFloatTransformR::inverse_fmul(const MultiplyContext& context, ExactFloat& destination,
-                                        ExactFloatTransformR& a, const ExactFloatTransformR& b,
-                                        std::int64_t exp) {
+                                        ExactFloatTransformR& a, ExactFloatTransformR& b, std::int64_t exp) {
     // The value moves by whole words, and its check value with it.
     const std::uint64_t weight = check_word_weight(exp - (a.exp + b.exp));
     multiply("ExactFloatTransformR::inverse_fmul(exp)", context, destination, a, b, exp,

@@ -45,10 +45,22 @@ void finish(BigFloat& destination, const Window& window, std::uint8_t sign) {
     strip_top_zeros(destination);
 }
 
+// Of a square, with the destination ready for it.
+Window square_window(const char* function, const char* truncated_range, const BigFloatTransformR& a,
+                     BigFloat& destination, std::int64_t te, std::uint64_t p) {
+    if (!a.data) invalid_function_parameters(function);
+    const Window window =
+        wanted_window(truncated_range, 2 * a.L, a.parameters->convolution_words(), 2 * a.exp, te, p);
+    require_capacity(function, destination.AL, window.count);
+    destination.T = destination.base;
+    return window;
+}
+
 void describe(BigFloatTransformR& operand, const TransformParameters& transform, Word* buffer,
               BigFloatView source) {
     operand.parameters = &transform;
     operand.data = buffer;
+    operand.state = OperandState::whole;
     operand.exp = source.exp;
     operand.L = source.L;
     operand.sign = source.sign;
@@ -60,8 +72,8 @@ void BigFloatTransformR::forward(const MultiplyContext& context, const Transform
                                  Word* buffer, BigFloatView source) {
     if (source.L > transform.convolution_words())
         invalid_function_parameters("BigFloatTransformR::forward()");
-    transform.forward(context, buffer, source.T, source.L);
     describe(*this, transform, buffer, source);
+    state = transform.begin_forward(context, buffer, source.T, source.L);
 }
 
 void BigFloatTransformR::forward_for_square(const MultiplyContext& context,
@@ -75,7 +87,7 @@ void BigFloatTransformR::forward_for_square(const MultiplyContext& context,
 }
 
 void BigFloatTransformR::inverse_fmul(const MultiplyContext& context, BigFloat& destination,
-                                      BigFloatTransformR& a, const BigFloatTransformR& b, std::int64_t te,
+                                      BigFloatTransformR& a, BigFloatTransformR& b, std::int64_t te,
                                       std::uint64_t p) {
     const char* function = "BigFloatTransformR::inverse_fmul()";
     if (!a.data || !b.data) invalid_function_parameters(function);
@@ -87,8 +99,9 @@ void BigFloatTransformR::inverse_fmul(const MultiplyContext& context, BigFloat& 
     require_capacity(function, destination.AL, window.count);
     destination.T = destination.base;
     if (window.count > 0) {
-        a.parameters->inverse_multiply(context, a.data, b.data, destination.T, window.first,
-                                       window.first + window.count);
+        a.parameters->finish_multiply(context, a.data, a.state, b.data, b.state, destination.T, window.first,
+                                      window.first + window.count);
+        b.state = OperandState::whole;
     }
     finish(destination, window, a.sign == b.sign ? 1 : 0);
     a.data = nullptr;
@@ -96,18 +109,29 @@ void BigFloatTransformR::inverse_fmul(const MultiplyContext& context, BigFloat& 
 
 void BigFloatTransformR::inverse_fsqr(const MultiplyContext& context, BigFloat& destination,
                                       BigFloatTransformR& a, std::int64_t te, std::uint64_t p) {
-    const char* function = "BigFloatTransformR::inverse_fsqr()";
-    if (!a.data) invalid_function_parameters(function);
-    const Window window = wanted_window("BigFloatTransformR::inverse_fsqr(): Truncated Range\n\n", 2 * a.L,
-                                        a.parameters->convolution_words(), 2 * a.exp, te, p);
-    require_capacity(function, destination.AL, window.count);
-    destination.T = destination.base;
+    constexpr const char* function = "BigFloatTransformR::inverse_fsqr()";
+    const Window window = square_window(function, "BigFloatTransformR::inverse_fsqr(): Truncated Range\n\n",
+                                        a, destination, te, p);
     if (window.count > 0) {
         a.parameters->inverse_square(context, a.data, destination.T, window.first,
                                      window.first + window.count);
     }
     finish(destination, window, 1);
     a.data = nullptr;
+}
+
+void BigFloatTransformR::inverse_fsqr_kept(const MultiplyContext& context, BigFloat& destination,
+                                           BigFloatTransformR& a, Word* space, std::int64_t te,
+                                           std::uint64_t p) {
+    constexpr const char* function = "BigFloatTransformR::inverse_fsqr_kept()";
+    const Window window = square_window(
+        function, "BigFloatTransformR::inverse_fsqr_kept(): Truncated Range\n\n", a, destination, te, p);
+    if (window.count > 0) {
+        a.parameters->finish_square(context, space, a.data, a.state, destination.T, window.first,
+                                    window.first + window.count);
+        a.state = OperandState::whole;
+    }
+    finish(destination, window, 1);
 }
 
 }  // namespace qmp

@@ -1,4 +1,7 @@
 // Operands kept in transformed form, so that one forward transform serves several products.
+//
+// forward() may leave the last part of the transform to the first product, which does it on its way through
+// memory. So products change the operand that they keep, though not its value.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +18,7 @@ class BigFloatTransformR {
   public:
     const TransformParameters* parameters = nullptr;
     Word* data = nullptr;  // null once consumed
+    OperandState state = OperandState::whole;
     std::int64_t exp = 0;
     std::uint64_t L = 0;
     std::uint8_t sign = 1;
@@ -32,9 +36,12 @@ class BigFloatTransformR {
     // run stops when the parameter objects do not match, or when te asks for words that wrapped around.
     // Capacity needed: the words delivered. Scratch: parameters.scratch_words.
     static void inverse_fmul(const MultiplyContext& context, BigFloat& destination, BigFloatTransformR& a,
-                             const BigFloatTransformR& b, std::int64_t te, std::uint64_t p);
+                             BigFloatTransformR& b, std::int64_t te, std::uint64_t p);
     static void inverse_fsqr(const MultiplyContext& context, BigFloat& destination, BigFloatTransformR& a,
                              std::int64_t te, std::uint64_t p);
+    // The square of a forward()-transformed operand that is kept; `space` holds parameters.operand_words.
+    static void inverse_fsqr_kept(const MultiplyContext& context, BigFloat& destination,
+                                  BigFloatTransformR& a, Word* space, std::int64_t te, std::uint64_t p);
 };
 
 // A transformed ExactFloat: carries the check value instead of a sign.
@@ -42,6 +49,7 @@ class ExactFloatTransformR {
   public:
     const TransformParameters* parameters = nullptr;
     Word* data = nullptr;
+    OperandState state = OperandState::whole;
     std::int64_t exp = 0;
     std::uint64_t L = 0;
     std::uint64_t hash = 0;
@@ -54,10 +62,10 @@ class ExactFloatTransformR {
     // The full product. InvalidParametersException when the objects do not match or the convolution is too
     // short. `a` is consumed.
     static void inverse_fmul(const MultiplyContext& context, ExactFloat& destination, ExactFloatTransformR& a,
-                             const ExactFloatTransformR& b);
+                             ExactFloatTransformR& b);
     // The same words with the exponent given by the caller; the check value is that of the value so denoted.
     static void inverse_fmul(const MultiplyContext& context, ExactFloat& destination, ExactFloatTransformR& a,
-                             const ExactFloatTransformR& b, std::int64_t exp);
+                             ExactFloatTransformR& b, std::int64_t exp);
     static void inverse_fsqr(const MultiplyContext& context, ExactFloat& destination,
                              ExactFloatTransformR& a);
 };

@@ -7,6 +7,9 @@
 
 namespace qmp {
 
+// Digit words below which a conversion is the basecase's; the fastest lengths.
+constexpr std::uint64_t convert_basecase_words = 16;
+
 // Writes the first m base-B words of the fraction 0.f, the most significant first, downward from
 // `destination_top` (one past it: the words are destination_top[-1] to destination_top[-m]), and returns the
 // next one, the guard word. `fraction` is little-endian with the point above its top word. Only its top

@@ -10,6 +10,13 @@
 // product keeps for the low half lies above every word that this cut could make wrong:
 // words(m) + 2 (j + 2) - words(s) >= words(m - s) + 2 (j + 1) + 1. So each level costs less than one unit
 // in the last word, and the basecase starts with at least two guard words.
+//
+// Short convolutions. P = P' 2^(64 z): the lowest z words of P are zero, for B = 10^19 three in ten. So the
+// top z words of the fraction only reach the integer part of the product, and n = words(m) + 2 (j + 2) - z
+// words of it are multiplied by P'. By the inequality above the words that are kept, with one more below
+// them, and the words of P' are together at most n: a cyclic convolution of n words is enough. The words of
+// the product beyond it, part of the integer part, wrap around to words that are not kept, all of them below
+// the one more.
 #pragma once
 
 #include <array>
@@ -19,12 +26,10 @@
 #include "multiply/multiply_context.h"
 #include "multiply/transform_parameters.h"
 #include "multiply/word.h"
+#include "radix/convert_basecase.h"
 #include "radix/radix_power.h"
 
 namespace qmp {
-
-// Digit words below which the basecase converts.
-constexpr std::uint64_t convert_basecase_words = 16;
 
 class ConvertPlanP {
   public:
@@ -33,10 +38,12 @@ class ConvertPlanP {
 
     // One level of the recursion.
     struct Level {
-        std::uint64_t output_words = 0;     // leaf 2^j: the digit words of its power
-        std::uint64_t power_length = 0;     // words of the power without its low zero words
-        std::uint64_t power_zeros = 0;      // and the number of those
-        const Word* transformed = nullptr;  // the power, transformed
+        std::uint64_t output_words = 0;  // leaf 2^j: the digit words of its power
+        std::uint64_t power_length = 0;  // words of the power without its low zero words
+        std::uint64_t power_zeros = 0;   // and the number of those
+        // Its products are formed whole, from the power's words: the shortest levels.
+        bool schoolbook = false;
+        Word* table = nullptr;  // the power, transformed or as it is; only read
         TransformParametersBox parameters;
 
         std::uint64_t convolution_words() const { return parameters->convolution_words(); }
@@ -61,6 +68,10 @@ class ConvertPlanP {
     std::uint64_t fraction_words() const { return fraction_words(levels_ - 1, m_); }
     // Words of the low half's fraction at a node of level j, with room for the product's check words.
     std::uint64_t low_fraction_words(int j) const;
+    // Words of a level's table.
+    std::uint64_t level_table_words(int j) const;
+    // Scratch words of a node's product at a schoolbook level.
+    std::uint64_t whole_product_words(int j) const;
     // Scratch words of a node's product besides the transform's own: see exact_fractional_product().
     std::uint64_t exact_product_words(int j) const;
     // Scratch words of a node of level j, or of any below, with this many tasks.
@@ -77,10 +88,13 @@ class ConvertPlanP {
   private:
     std::uint64_t population_scratch_words() const;
     std::uint64_t power_buffer_capacity() const;
-    void transform_power(const MultiplyContext& context, int j, const RadixPower& power, Word* transformed);
-    RadixPower next_power(const MultiplyContext& context, int j, const RadixPower& power, Word* destination);
+    void take_power(int j, const RadixPower& power, Word* table);
+    void fill_table(const MultiplyContext& context, int j, const RadixPower& power);
+    RadixPower fill_table_and_square(const MultiplyContext& context, int j, const RadixPower& power,
+                                     Word* destination);
 
     Word base_;
+    double base_bits_ = 0;
     std::uint64_t m_;
     std::uint64_t tasks_;
     std::uint32_t status_ = 0;
@@ -88,9 +102,9 @@ class ConvertPlanP {
     std::uint64_t leaf_ = 0;
     int parallel_level_ = 0;
     std::array<Level, 48> table_;
-    // How far the population is: the tasks that form and transform the powers check each other by it.
-    std::atomic<int> formed_{0};
-    std::atomic<int> transformed_{0};
+    // Levels whose table is filled, or about to be. Whoever fills one finds the one below done, and nobody
+    // else at it.
+    std::atomic<int> taken_{0};
 };
 
 }  // namespace qmp

@@ -33,11 +33,13 @@ class DecimalDriver {
         progress().end_step();
 
         progress().begin_step("Writing Decimal Digits:   ", "Writing Decimal Digits");
-        DigitOutput output = write(number.integer, open);
+        const std::unique_ptr<DigitSink> sink = open(std::to_string(number.integer) + ".");
+        DigitOutput output = write(*sink);
         progress().end_step();
 
         progress().begin_step("Verifying Base Conversion...", "Verifying Base Conversion");
         output.hash = verify(number);
+        sink->finish();
         progress().end_step();
         return output;
     }
@@ -66,12 +68,11 @@ class DecimalDriver {
         }
         const ScopedLabel label(context_.progress, "Converting...  ", 'w');
         const auto run = context_.parallel.tds > 1 ? qmq_CBRv2_ci_btrf_T : convert_L;
-        return run(plan, multiply, words_.data() + m_, m_, f.words, f.length, context_.progress);
+        return run(plan, multiply, words_.data() + m_, m_, f.words, f.length, context_.progress, &hooks_);
     }
 
-    DigitOutput write(Word integer, const OpenSink& open) {
-        const std::unique_ptr<DigitSink> sink = open(std::to_string(integer) + ".");
-        DigitStream stream(context_, 10, digits_, *sink);
+    DigitOutput write(DigitSink& sink) const {
+        DigitStream stream(context_, 10, digits_, sink);
         const std::uint64_t most = DigitStream::block_words(10, digits_);
         // The words that hold wanted digits, from the top.
         std::uint64_t left = (digits_ + 18) / 19;
@@ -82,8 +83,7 @@ class DecimalDriver {
             end -= n;
             left -= n;
         }
-        sink->finish();
-        return stream.output();
+        return stream.finish();
     }
 
     // H(x, d). The binary side is repeated once when it does not agree.
@@ -138,7 +138,7 @@ std::uint64_t decimal_output_bytes(std::uint64_t digits, std::uint64_t tasks) {
     const std::uint64_t m = digit_words(digits);
     const ConvertPlanP plan(decimal_word_base, m, tasks);
     const std::uint64_t conversion = array_bytes(plan.table_words()) + array_bytes(plan.scratch_words());
-    const std::uint64_t writing = array_bytes(DigitStream::buffer_words(10, digits));
+    const std::uint64_t writing = array_bytes(DigitStream::buffer_words(10, digits, tasks));
     const VerificationWords words(plan.fraction_words(), m, tasks);
     const std::uint64_t verification =
         array_bytes(words.power) + array_bytes(words.product) + array_bytes(words.scratch);

@@ -71,21 +71,21 @@ DigitOutput write_hexadecimal(const ComputeContext& context, BigFloatView x, std
         for (std::uint64_t left = (digits + 15) / 16; left > 0;) {
             const std::uint64_t n = std::min(left, most);
             const Word* words = blocks.next(n);
-            hash = hash_hexadecimal(context.parallel, hash, words, n, digits - stream.output().digits);
+            hash = hash_hexadecimal(context.parallel, hash, words, n, digits - stream.taken());
             stream.write(words, n);
             left -= n;
         }
+        output = stream.finish();
         sink->finish();
-        output = stream.output();
         output.hash = hash;
     }
     context.progress->end_step();
     return output;
 }
 
-std::uint64_t hexadecimal_output_bytes(std::uint64_t digits) {
+std::uint64_t hexadecimal_output_bytes(std::uint64_t digits, std::uint64_t tasks) {
     const std::uint64_t buffers =
-        DigitStream::buffer_words(16, digits) + DigitStream::block_words(16, digits);
+        DigitStream::buffer_words(16, digits, tasks) + DigitStream::block_words(16, digits);
     return 8 * buffers + 2 * checked_array_overhead(64);
 }
 

@@ -16,20 +16,6 @@ std::uint64_t words_of(double bits) {
     return static_cast<std::uint64_t>(bits * (1 + 1e-13) / 64 + 1e-6) + 1;
 }
 
-double bits_per_digit(Word base) {
-    return std::log2(static_cast<double>(base));
-}
-
-RadixPower stripped(Word* words, std::uint64_t length, std::uint64_t zeros) {
-    if (words[length - 1] == 0) --length;  // a product may be one word short of its factors' lengths
-    while (*words == 0) {
-        ++words;
-        --length;
-        ++zeros;
-    }
-    return {words, length, zeros};
-}
-
 // The exponent's bits below its top one, from the top down: square(), then one more factor for a one.
 template <typename Square>
 RadixPower exponentiate(ParallelContext parallel, Word base, std::uint64_t exponent, Word* buffer,
@@ -49,19 +35,41 @@ RadixPower exponentiate(ParallelContext parallel, Word base, std::uint64_t expon
 
 }  // namespace
 
+double base_bits(Word base) {
+    return std::log2(static_cast<double>(base));
+}
+
+std::uint64_t words_of_digits(double bits, std::uint64_t digits) {
+    return words_of(static_cast<double>(digits) * bits);
+}
+
 std::uint64_t power_whole_words(Word base, std::uint64_t exponent) {
-    return words_of(static_cast<double>(exponent) * bits_per_digit(base));
+    return words_of_digits(base_bits(base), exponent);
 }
 
 std::uint64_t power_words(Word base, std::uint64_t exponent) {
     const double zero_bits = std::countr_zero(base);
     // Zero bits are left out by whole words only.
-    return words_of(static_cast<double>(exponent) * (bits_per_digit(base) - zero_bits) + 63);
+    return words_of(static_cast<double>(exponent) * (base_bits(base) - zero_bits) + 63);
+}
+
+std::uint64_t power_zero_words(Word base, std::uint64_t exponent) {
+    return exponent * static_cast<std::uint64_t>(std::countr_zero(base)) / 64;
 }
 
 std::uint64_t power_buffer_words(Word base, std::uint64_t exponent) {
     // The square of what was before, and the top word of a product with one more digit.
     return 2 * power_words(base, exponent / 2) + 2;
+}
+
+RadixPower stripped(Word* words, std::uint64_t length, std::uint64_t zeros) {
+    if (words[length - 1] == 0) --length;  // a product may be one word short of its factors' lengths
+    while (*words == 0) {
+        ++words;
+        --length;
+        ++zeros;
+    }
+    return {words, length, zeros};
 }
 
 RadixPower square(const MultiplyContext& context, Word* destination, const RadixPower& p) {

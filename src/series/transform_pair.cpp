@@ -61,7 +61,7 @@ void FloatTransformPair::multiply(BigFloat& destination, unsigned consumed, std:
         return;
     }
     BigFloatTransformR& a = transformed_[consumed];
-    const BigFloatTransformR& b = transformed_[kept];
+    BigFloatTransformR& b = transformed_[kept];
     const std::int64_t end = a.exp + b.exp + static_cast<std::int64_t>(a.L + b.L);
     BigFloatTransformR::inverse_fmul(rest_, destination, a, b, end, p);
 }

@@ -37,8 +37,10 @@ struct RamSession::Memory {
 };
 
 std::uint64_t RamSession::working_size(const RamComputation& computation) const {
-    return std::max(computation.working_bytes(),
-                    qmp::decimal_output_bytes(settings_.decimal_digits(), settings_.task_decomposition()));
+    const std::uint64_t tasks = settings_.task_decomposition();
+    const std::uint64_t hexadecimal = settings_.hexadecimal_digits();
+    return std::max({computation.working_bytes(), qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
+                     hexadecimal > 0 ? qmp::hexadecimal_output_bytes(hexadecimal, tasks) : 0});
 }
 
 void RamSession::warn_if_memory_is_short(std::uint64_t bytes) const {
@@ -91,8 +93,8 @@ void RamSession::reserve(Memory& memory, const RamComputation& computation) {
         console::fatal_error("Alignment Error");
     }
     memory.region.emplace(memory.working.block->base, round_down_to_8(memory.working.block->size));
-    record_.log.append("Reserving Working Memory: " +
-                       console::format_time(qmp::seconds_between(qmp::now(), step)));
+    record_.reserving_seconds = qmp::seconds_between(qmp::now(), step);
+    record_.log.append("Reserving Working Memory: " + console::format_time(record_.reserving_seconds));
 
     record_.log.append("Constructing Twiddle Tables");
     step = qmp::now();
@@ -103,13 +105,14 @@ void RamSession::reserve(Memory& memory, const RamComputation& computation) {
         qmp::allocate_large_heap(settings_.allocator(), "Constructing Twiddle Tables...  ", bytes, parallel);
     record_.twiddle_memory_text = memory.twiddles.description;
     memory.twiddle_set.emplace(memory.twiddles.block->base, memory.twiddles.block->size, product, parallel);
-    record_.log.append("Constructing Twiddle Tables: " +
-                       console::format_time(qmp::seconds_between(qmp::now(), step)));
+    record_.twiddle_memory = bytes;
+    record_.twiddle_seconds = qmp::seconds_between(qmp::now(), step);
+    record_.log.append("Constructing Twiddle Tables: " + console::format_time(record_.twiddle_seconds));
     console::newline();
 }
 
 void RamSession::compute_and_write(Memory& memory, const RamComputation& computation) {
-    SessionProgress progress(record_.log);
+    SessionProgress progress(record_.log, observer_);
     const qmp::ComputeContext context{settings_.parallel(), &*memory.twiddle_set, &*memory.region, &progress};
     OutputFiles files(settings_.output_folder(), settings_.constant().short_name(), computation.short_name(),
                       progress);
@@ -127,6 +130,7 @@ void RamSession::compute_and_write(Memory& memory, const RamComputation& computa
     }
     record_.decimal = qmp::write_decimal(context, value.number, settings_.decimal_digits(), files.opener(10));
     record_.files = files.files();
+    record_.working_memory_peak = memory.region->peak_bytes();
     record_.ended = qmp::cpu_now();
     record_.end_time = local_time_text();
     settings_.framework().reset();

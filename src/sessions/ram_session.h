@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "console/progress.h"
 #include "platform/memory/basic_allocator.h"
 #include "sessions/ram_settings.h"
 #include "sessions/session_record.h"
@@ -16,8 +17,10 @@ namespace kelvara {
 
 class RamSession {
   public:
-    // The settings outlive the session.
-    explicit RamSession(const RamSettings& settings) : settings_(settings) {}
+    // The settings outlive the session, and so does the observer, which is told every step of the
+    // computation besides the console.
+    explicit RamSession(const RamSettings& settings, qmp::Progress* observer = nullptr)
+        : settings_(settings), observer_(observer) {}
 
     void run();
 
@@ -33,6 +36,7 @@ class RamSession {
     void compute_and_write(Memory& memory, const RamComputation& computation);
 
     const RamSettings& settings_;
+    qmp::Progress* observer_;
     SessionRecord record_;
 };
 

@@ -25,9 +25,13 @@ struct SessionRecord {
     qmp::CpuTimePoint computed;   // the constant's value is there
     qmp::CpuTimePoint ended;      // the digits are written and verified
 
-    std::uint64_t working_memory = 0;  // bytes reserved
-    std::string working_memory_text;   // as the allocator describes the block
+    std::uint64_t working_memory = 0;       // bytes reserved
+    std::uint64_t working_memory_peak = 0;  // bytes of it that the run came to use
+    std::uint64_t twiddle_memory = 0;
+    std::string working_memory_text;  // as the allocator describes the block
     std::string twiddle_memory_text;
+    double reserving_seconds = 0.0;
+    double twiddle_seconds = 0.0;  // with the reservation of the tables' memory
 
     qmp::DigitOutput decimal;
     qmp::DigitOutput hexadecimal;  // digits = 0 when disabled

@@ -53,12 +53,21 @@ SequentialFile& SequentialFile::operator=(SequentialFile&& other) noexcept {
     return *this;
 }
 
-void SequentialFile::create(const std::string& path, bool retry) {
+void SequentialFile::create(const std::string& path, bool retry, bool streaming) {
     close();
     if (!handle_) handle_ = std::make_unique<Handle>();
     path_ = path;
+    const os::Durable durable = streaming ? os::Durable::after_close : os::Durable::after_write;
     open_with_retries("SequentialFile::create()", "Unable to create file.", path, retry,
-                      [&] { return handle_->file.create(path); });
+                      [&] { return handle_->file.create(path, durable); });
+}
+
+void SequentialFile::create(const std::string& path, bool retry) {
+    create(path, retry, false);
+}
+
+void SequentialFile::create_for_streaming(const std::string& path, bool retry) {
+    create(path, retry, true);
 }
 
 void SequentialFile::open(const std::string& path, bool retry) {

@@ -21,6 +21,9 @@ class SequentialFile {
 
     // Creates or empties the file, for reading and writing, written through to the disk.
     void create(const std::string& path, bool retry = false);
+    // The same for a file that is written in one go: it has reached the disk once close() has returned with
+    // last_error() 0, and while it is written the disk works on its own.
+    void create_for_streaming(const std::string& path, bool retry = false);
     void open(const std::string& path, bool retry = false);
     void close();
     bool is_open() const;
@@ -37,6 +40,8 @@ class SequentialFile {
 
   private:
     struct Handle;
+    void create(const std::string& path, bool retry, bool streaming);
+
     std::string path_;
     std::unique_ptr<Handle> handle_;
     std::uint32_t last_error_ = 0;

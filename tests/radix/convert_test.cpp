@@ -66,6 +66,38 @@ TEST(ConvertBasecase, NoDigitsGiveTheGuardWordOnly) {
     EXPECT_EQ(by_basecase(base, 0, {0, Word{1} << 63}), Words{base / 2});
 }
 
+// Every length with a kernel of its own, and some beyond, against whole products of all words.
+TEST(ConvertBasecase, EqualsWholeProducts) {
+    Random random(13);
+    for (const Word radix : {base, Word{2}, Word{10}, ~Word{0}}) {
+        for (std::uint64_t m = 0; m < convert_basecase_words + 3; ++m) {
+            for (std::uint64_t length = 0; length < m + 5; ++length) {
+                for (const Pattern pattern : all_patterns) {
+                    const Words fraction = make_words(random, length, pattern);
+                    // The top m + 2 words; zero words below the fraction change nothing.
+                    Words number(m + 2, 0);
+                    for (std::uint64_t i = 1; i <= std::min(m + 2, length); ++i)
+                        number[m + 2 - i] = fraction[length - i];
+                    const Words digits = by_basecase(radix, m, fraction);
+                    for (std::uint64_t k = 0; k < m; ++k) {
+                        Word carry = 0;
+                        for (Word& w : number) {
+                            const DoubleWord product = static_cast<DoubleWord>(w) * radix + carry;
+                            w = low_word(product);
+                            carry = high_word(product);
+                        }
+                        ASSERT_EQ(digits[m - k], carry) << m << " words from " << length;
+                    }
+                    // Words that were dropped on the way leave the guard word short by one at most.
+                    Word guard = 0;
+                    for (const Word w : number) guard = high_word(static_cast<DoubleWord>(w) * radix + guard);
+                    ASSERT_LE(guard - digits[0], 1u) << m << " words from " << length;
+                }
+            }
+        }
+    }
+}
+
 TEST(ConvertPlan, HalvesWhileAtLeastSixteenWords) {
     const auto shape = [](std::uint64_t m) {
         const ConvertPlanP plan(base, m, 1);
@@ -92,7 +124,8 @@ TEST(ConvertPlan, RefusesABaseBelowTwo) {
     EXPECT_EQ(ConvertPlanP(2, 100, 1).status(), 0u);
 }
 
-// The inequality of the guard words, and that what wraps around stays below what is kept.
+// The inequality of the guard words, that the operand fits, and that what wraps around stays below what is
+// kept and the word that is looked at for its carry.
 TEST(ConvertPlan, KeptWordsLieAboveWrappedAndTruncatedOnes) {
     for (const Word b : {base, Word{3}, Word{10}, Word{1} << 40, ~Word{0}}) {
         for (std::uint64_t m = 16; m < 3000; m += 1 + m / 50) {
@@ -103,7 +136,13 @@ TEST(ConvertPlan, KeptWordsLieAboveWrappedAndTruncatedOnes) {
                     const std::uint64_t kept = plan.fraction_words(j - 1, node - s);
                     ASSERT_GE(plan.fraction_words(j, node), power_whole_words(b, s) + kept + 1)
                         << m << " " << j;
-                    ASSERT_LE(plan.fraction_words(j, node), plan.level(j).convolution_words());
+                    const std::uint64_t zeros = plan.level(j).power_zeros;
+                    const std::uint64_t power = power_whole_words(b, s) - zeros;
+                    ASSERT_LE(plan.fraction_words(j, node) - zeros, plan.level(j).convolution_words());
+                    ASSERT_LE(power + kept + 1, plan.level(j).convolution_words()) << m << " " << j;
+                    if (j + 1 < plan.levels()) {
+                        ASSERT_LE(2 * power, plan.level(j).convolution_words()) << m << " " << j;
+                    }
                 }
             }
         }

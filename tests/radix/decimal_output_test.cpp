@@ -146,15 +146,15 @@ TEST(DecimalOutput, TheStepsAndTheirTexts) {
                                                "step Writing Decimal Digits:   |Writing Decimal Digits",
                                                "opened 3.",
                                                "label 300  digits written",
-                                               "finished",
-                                               "destroyed",
                                                "done",
                                                "step Verifying Base Conversion...|Verifying Base Conversion",
                                                "label Hashing Decimal...  ",
                                                "label Powering...",
                                                "label Multiplying...",
                                                "label Hashing Binary...",
-                                               "done"};
+                                               "finished",
+                                               "done",
+                                               "destroyed"};
     EXPECT_EQ(output.lines, expected);
 }
 

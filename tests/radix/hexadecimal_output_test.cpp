@@ -85,53 +85,6 @@ TEST(HexadecimalOutput, TheStepAndItsTexts) {
     EXPECT_EQ(output.digits.counts[1], 1100000u);
 }
 
-// Decimal words through several blocks: 19 digits to the word, the last word cut.
-TEST(DigitStream, SeveralBlocksOfDecimalWords) {
-    ThreadPerTask threads;
-    Random random(3);
-    std::vector<Word> words(120000);
-    for (Word& w : words) w = random.next() % decimal_word_base;
-    std::string text(words.size() * 19, '\0');
-    u64_to_d19_text(text.data(), words.data(), words.size());
-    for (const std::uint64_t digits : {std::uint64_t{2200000}, std::uint64_t{1048572}, std::uint64_t{18}}) {
-        kelvara_test::RecordingProgress progress;
-        const ComputeContext context{threads.context(3), nullptr, nullptr, &progress};
-        std::string written;
-        kelvara_test::RecordingSink sink(written, nullptr, "");
-        DigitStream stream(context, 10, digits, sink);
-        const std::uint64_t most = DigitStream::block_words(10, digits);
-        std::uint64_t left = (digits + 18) / 19;
-        for (const Word* end = words.data() + words.size(); left > 0;) {
-            const std::uint64_t n = std::min(left, most);
-            stream.write(end - n, n);
-            end -= n;
-            left -= n;
-        }
-        EXPECT_EQ(written, text.substr(0, digits));
-        EXPECT_EQ(stream.output().digits, digits);
-        EXPECT_EQ(stream.output().last_digits,
-                  text.substr(digits > 100 ? digits - 100 : 0, std::min<std::uint64_t>(digits, 100)));
-        std::array<std::uint64_t, 16> counts{};
-        for (const char c : written) ++counts[static_cast<std::size_t>(c - '0')];
-        EXPECT_EQ(stream.output().counts, counts);
-        for (const std::uint64_t block : sink.blocks) EXPECT_LE(block, DigitStream::block_digits);
-    }
-}
-
-// Last digits that stand in two blocks.
-TEST(DigitStream, LastDigitsAcrossBlocks) {
-    kelvara_test::RecordingProgress progress;
-    const ComputeContext context{one_task, nullptr, nullptr, &progress};
-    std::string written;
-    kelvara_test::RecordingSink sink(written, nullptr, "");
-    DigitStream stream(context, 16, 160, sink);
-    const std::vector<Word> first(7, 0xaaaaaaaaaaaaaaaa);
-    const std::vector<Word> second(3, 0xbbbbbbbbbbbbbbbb);
-    stream.write(first.data(), 7);
-    stream.write(second.data(), 3);
-    EXPECT_EQ(stream.output().last_digits, std::string(52, 'a') + std::string(48, 'b'));
-}
-
 #if GTEST_HAS_DEATH_TEST
 TEST(HexadecimalOutputDeathTest, NumbersOutOfRange) {
     const Word words[] = {1, 1};

@@ -51,7 +51,7 @@ class Session {
                        qmp::decimal_output_largest_product(digits));
     }
     static Session hexadecimal(qmp::ParallelContext parallel, std::uint64_t digits) {
-        return Session(parallel, qmp::hexadecimal_output_bytes(digits), 1);
+        return Session(parallel, qmp::hexadecimal_output_bytes(digits, parallel.tds), 1);
     }
 
     Output write_decimal(qmp::BigFloatView x, std::uint64_t digits, qmp::DecimalOutputHooks& hooks) {

@@ -4,8 +4,10 @@
 
 #include "constants/pi_formulas.h"
 #include "errors/bsr_modular_check.h"
+#include "platform/parallel/registry.h"
+#include "series/series_e_taylor.h"
 #include "series/test_series.h"
-#include "support/standard_streams.h"
+#include "support/console.h"
 
 namespace qmp {
 namespace {
@@ -24,12 +26,12 @@ class Messages final : public SilentProgress {
 template <typename Series>
 class SummedBlock {
   public:
-    SummedBlock(const Series& series, std::uint64_t b)
-        : planned_(BSR_sizes(series, psr_size(series, 0, b), 0, 1)) {
+    SummedBlock(const Series& series, std::uint64_t a, std::uint64_t b)
+        : planned_(BSR_sizes(series, psr_size(series, a, b), 0, 1)) {
         const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
                                       planned_.scratch.data(), planned_.scratch.words());
         SilentProgress progress;
-        BSR_block(series, context, &progress, planned_.buffers, 0, b, 0);
+        BSR_block(series, context, &progress, planned_.buffers, a, b, 0);
     }
     std::span<ExactFloat> outputs() { return {planned_.buffers.data(), Series::output_count}; }
 
@@ -37,72 +39,141 @@ class SummedBlock {
     kelvara_test::PlannedBuffers<Series> planned_;
 };
 
-// Every output in turn, at its lowest, highest and a middle word.
+struct Bit {
+    std::uint64_t word;
+    unsigned bit;
+
+    void flip_in(const ExactFloat& x) const { x.T[word] ^= Word{1} << bit; }
+    // The stored check value less that of the words, once it is flipped.
+    std::uint64_t difference(const ExactFloat& x) const {
+        const std::uint64_t weight = check_mul(check_reduce(Word{1} << bit),
+                                               check_word_weight(x.exp + static_cast<std::int64_t>(word)));
+        const bool set = x.T[word] >> bit & 1;
+        return set ? weight : check_sub(0, weight);
+    }
+};
+
+// Every output in turn, at its lowest, a middle and its top word: the block's range, and the flipped
+// output's difference alone.
 template <typename Series>
-void expect_flipped_bits_found(const Series& series, std::uint64_t b) {
-    SummedBlock<Series> block(series, b);
+void expect_flipped_bits_found(SummedBlock<Series>& block, std::uint64_t a, std::uint64_t b,
+                               ParallelContext parallel) {
+    const std::span<ExactFloat> outputs = block.outputs();
     Messages messages;
-    EXPECT_NO_THROW(qcb_Verify_BSR(&messages, 0, b, block.outputs(), ParallelContext::sequential()));
+    EXPECT_NO_THROW(qcb_Verify_BSR(&messages, a, b, outputs, parallel));
     EXPECT_TRUE(messages.texts.empty());
+    const std::string text =
+        "Modular Redundancy Check Failed: " + std::to_string(a) + " : " + std::to_string(b);
     for (std::size_t i = 0; i < Series::output_count; i++) {
-        ExactFloat& x = block.outputs()[i];
+        const ExactFloat& x = outputs[i];
         for (const std::uint64_t word : {std::uint64_t{0}, x.L / 2, x.L - 1}) {
-            for (const int bit : {0, 5, 60, 63}) {
-                x.T[word] ^= Word{1} << bit;
+            for (const unsigned bit : {0u, 5u, 60u, 61u, 63u}) {
+                SCOPED_TRACE(testing::Message() << "output " << i << ", word " << word << ", bit " << bit);
+                const Bit flipped = {word, bit};
+                std::vector<std::uint64_t> expected(Series::output_count, 0);
+                expected[i] = flipped.difference(x);
+                flipped.flip_in(x);
+                messages.texts.clear();
                 try {
-                    qcb_Verify_BSR(&messages, 0, b, block.outputs(), ParallelContext::sequential());
-                    ADD_FAILURE() << i << ": " << word << ": " << bit;
+                    qcb_Verify_BSR(&messages, a, b, outputs, parallel);
+                    ADD_FAILURE() << "not found";
                 } catch (const BSRModularCheckFailedException& e) {
                     EXPECT_EQ(e.function(), "qcb_Verify_BSR()");
                     EXPECT_EQ(e.message(), "Modular Redundancy Check Failed");
-                    EXPECT_EQ(e.a(), 0u);
+                    EXPECT_EQ(e.a(), a);
                     EXPECT_EQ(e.b(), b);
-                    ASSERT_EQ(e.hash().size(), Series::output_count);
-                    for (std::size_t j = 0; j < Series::output_count; j++) {
-                        EXPECT_EQ(e.hash()[j] != 0, i == j);
-                        EXPECT_LT(e.hash()[j], check_modulus);
-                    }
+                    EXPECT_EQ(e.hash(), expected);
                 }
-                x.T[word] ^= Word{1} << bit;
-                EXPECT_EQ(messages.texts.back(), "Modular Redundancy Check Failed: 0 : " + std::to_string(b));
+                flipped.flip_in(x);
+                EXPECT_EQ(messages.texts, std::vector{text});
             }
         }
     }
 }
 
+// Outputs short enough to be checked one after the other, by one task and by several.
 TEST(Verify, FindsAFlippedBitOfAnyOutput) {
-    expect_flipped_bits_found(kelvara::pi_formula(0).series, 300);
-    // P's exponent is negative.
-    expect_flipped_bits_found(kelvara_test::LogSeries(true), 300);
+    const auto framework = make_default_parallelizer();
+    const auto expect_found = [&](const auto& series, std::uint64_t a, std::uint64_t b) {
+        SummedBlock block(series, a, b);
+        ASSERT_LT(block.outputs()[0].L, parallel_verify_threshold);
+        expect_flipped_bits_found(block, a, b, ParallelContext::sequential());
+        expect_flipped_bits_found(block, a, b, {4, framework.get()});
+    };
+    expect_found(kelvara::pi_formula(0).series, 0, 300);
+    expect_found(kelvara::pi_formula(1).series, 17, 18);
+    expect_found(kelvara::pi_formula(1).series, 1000, 2000);
+    expect_found(Series_e_Taylor(false), 1, 3000);
+    expect_found(Series_e_Taylor(true), 1, 3000);
+    expect_found(kelvara_test::LogSeries(true), 0, 300);
+}
+
+TEST(Verify, FindsAFlippedBitOfLongOutputs) {
+    const auto framework = make_default_parallelizer();
+    const auto expect_found = [&](const auto& series, std::uint64_t a, std::uint64_t b) {
+        SummedBlock block(series, a, b);
+        ASSERT_GE(block.outputs()[0].L, parallel_verify_threshold);
+        for (const std::uint64_t tasks : {1u, 2u, 4u}) {
+            expect_flipped_bits_found(block, a, b, {tasks, framework.get()});
+        }
+    };
+    expect_found(kelvara::pi_formula(0).series, 0, 8000);
+    expect_found(kelvara::pi_formula(1).series, 500, 10500);
+    expect_found(Series_e_Taylor(false), 1, 55000);
+    expect_found(Series_e_Taylor(true), 1, 55000);
+}
+
+// The series over powers of two has a P whose lowest word stands below the point.
+TEST(Verify, TakesNegativeExponents) {
+    const auto framework = make_default_parallelizer();
+    for (const std::uint64_t b : {std::uint64_t{200}, std::uint64_t{60000}}) {
+        SummedBlock block(kelvara_test::LogSeries(false), 0, b);
+        EXPECT_LT(block.outputs()[0].exp, 0);
+        EXPECT_EQ(block.outputs()[0].L >= parallel_verify_threshold, b == 60000);
+        for (const ExactFloat& x : block.outputs()) {
+            EXPECT_EQ(recheck(ParallelContext::sequential(), x), 0u);
+            EXPECT_EQ(recheck({3, framework.get()}, x), 0u);
+        }
+        expect_flipped_bits_found(block, 0, b, {2, framework.get()});
+    }
 }
 
 TEST(Verify, NeedsNoProgress) {
-    SummedBlock block(kelvara_test::LogSeries(false), 10);
+    SummedBlock block(kelvara_test::LogSeries(false), 0, 10);
     block.outputs()[0].hash ^= 1;
     EXPECT_THROW(qcb_Verify_BSR(nullptr, 0, 10, block.outputs(), ParallelContext::sequential()),
                  BSRModularCheckFailedException);
 }
 
 TEST(Verify, PrintsWhatDiffers) {
-    SummedBlock block(kelvara::pi_formula(0).series, 100);
-    ExactFloat& Q = block.outputs()[1];
-    Q.hash = check_add(Q.hash, 77);
-    kelvara_test::CapturedOutput captured;
-    try {
-        qcb_Verify_BSR(nullptr, 0, 100, block.outputs(), ParallelContext::sequential());
-        FAIL();
-    } catch (const Exception& e) {
-        e.print();
-    }
-    const std::string output = captured.finish();
-    std::size_t at = 0;
-    for (const char* text :
-         {"Exception Encountered", "BSRModularCheckFailedException", "In Function", "qcb_Verify_BSR()",
-          "Modular Redundancy Check Failed", "    a = ", "0", "    b = ", "100", "    hash[0] = ", "0",
-          "    hash[1] = ", "77", "    hash[2] = ", "0"}) {
-        at = output.find(text, at);
-        ASSERT_NE(at, std::string::npos) << text << " in:\n" << output;
-        at += std::string_view(text).size();
+    SummedBlock block(kelvara::pi_formula(0).series, 3, 100);
+    for (std::size_t i = 0; i < 3; i++) {
+        const ExactFloat& x = block.outputs()[i];
+        const Bit flipped = {x.L - 1, 2};
+        std::string expected =
+            "\n"
+            "Exception Encountered: BSRModularCheckFailedException\n"
+            "\n"
+            "In Function: qcb_Verify_BSR()\n"
+            "\n"
+            "Modular Redundancy Check Failed\n"
+            "    a =             3\n"
+            "    b =             100\n";
+        for (std::size_t j = 0; j < 3; j++) {
+            expected += "    hash[" + std::to_string(j) +
+                        "] =       " + std::to_string(i == j ? flipped.difference(x) : 0) + "\n";
+        }
+        expected += "\n";
+        flipped.flip_in(x);
+        EXPECT_EQ(kelvara_test::printed_by([&] {
+                      try {
+                          qcb_Verify_BSR(nullptr, 3, 100, block.outputs(), ParallelContext::sequential());
+                      } catch (const Exception& e) {
+                          e.print();
+                      }
+                  }),
+                  expected);
+        flipped.flip_in(x);
     }
 }
 

@@ -1,6 +1,8 @@
 // The reserved memory that a computation runs in, of an exact size, and its context.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -24,8 +26,23 @@ class ComputationMemory {
         return {parallel, twiddles_.get(), &region_, progress};
     }
     const qmp::RegionAllocator& region() const { return region_; }
+    qmp::RegionAllocator& region() { return region_; }
+
+    // Garbage for everything above the highest block, up to where the region's records may be.
+    void forget_unused() {
+        const std::uint64_t used = region_.used_bytes() / sizeof(qmp::Word);
+        fill_garbage(words_.data() + used, words_.size() - records - used);
+    }
+    // Bytes from there on that hold something else now.
+    std::uint64_t bytes_written(std::uint64_t from) const {
+        const auto begin = words_.begin() + static_cast<std::ptrdiff_t>(from / sizeof(qmp::Word));
+        const auto end = words_.end() - static_cast<std::ptrdiff_t>(records);
+        return sizeof(qmp::Word) * static_cast<std::uint64_t>(end - begin - std::count(begin, end, garbage));
+    }
 
   private:
+    static constexpr std::uint64_t records = 1024;  // words
+
     std::vector<qmp::Word> words_;
     qmp::RegionAllocator region_;
     TwiddleMemory twiddles_;

@@ -17,8 +17,9 @@ int row_layers_of(std::uint32_t exponent) {
 
 constexpr std::uint64_t row_padding = 8;
 constexpr std::uint64_t most_workspaces = 64;
-// Residues that one task should have at least: waking a thread for each sweep takes some 30 microseconds.
-constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 16;
+// Residues that one task should have at least: some 20 microseconds of a sweep, the time in which a thread that
+// has gone to sleep is woken. One that waits awake starts at once.
+constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 14;
 
 std::uint64_t rounded_up(std::uint64_t n) {
     return (n + 7) / 8 * 8;
@@ -55,10 +56,6 @@ std::uint32_t Plan::primes_at_a_time(std::uint64_t tasks) const {
     if (bytes_of_prime > last_cache) return size.primes;
     return static_cast<std::uint32_t>(
         std::clamp<std::uint64_t>(second_cache / bytes_of_prime, 1, size.primes));
-}
-
-std::uint64_t Plan::row_roots_doubles() const {
-    return 2 * size.primes * rounded_up(rows);
 }
 
 std::uint64_t Plan::leaf_roots_doubles() const {

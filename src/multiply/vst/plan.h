@@ -46,10 +46,9 @@ struct Plan {
     std::uint64_t operand_words() const { return size.primes * prime_stride; }
 
     // Scratch of one operation: a part that all tasks share, and a workspace for each task at work.
-    std::uint64_t row_roots_doubles() const;  // both directions
-    std::uint64_t leaf_roots_doubles() const;
+    std::uint64_t leaf_roots_doubles() const;  // both directions
     std::uint64_t spills_words() const;
-    std::uint64_t shared_words() const { return row_roots_doubles() + leaf_roots_doubles() + spills_words(); }
+    std::uint64_t shared_words() const { return leaf_roots_doubles() + spills_words(); }
     std::uint64_t workspace_words() const;
     std::uint64_t scratch_words(std::uint64_t tasks) const {
         return shared_words() + workspaces(tasks) * workspace_words();

@@ -1,4 +1,5 @@
 // The second sweep: row by row, the transform's last layers, the pointwise product, and the way back.
+#include <algorithm>
 #include <cstring>
 
 #include "multiply/vst/merge_constants.h"
@@ -70,18 +71,6 @@ struct Transform::LeafRoots {
     }
 };
 
-void Transform::transform_rows(double* matrix) const {
-    rows(all_primes(), matrix, matrix, RowWork::transform);
-}
-
-void Transform::multiply_rows(double* a, const double* b) const {
-    rows(all_primes(), a, const_cast<double*>(b), RowWork::multiply);
-}
-
-void Transform::transform_and_multiply_rows(PrimeRange primes, double* a, double* b) const {
-    rows(primes, a, b, RowWork::transform_and_multiply);
-}
-
 void Transform::rows(PrimeRange primes, double* a, double* b, RowWork work) const {
     const std::uint64_t groups = plan_.groups();
     for_units(groups * (primes.end - primes.begin), [&](double* workspace, std::uint64_t begin,
@@ -96,7 +85,7 @@ void Transform::rows(PrimeRange primes, double* a, double* b, RowWork work) cons
 
 void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                               double* workspace) const {
-    const bool forward = work != RowWork::multiply, inverse = work != RowWork::transform;
+    const bool forward = work.transform_a || work.transform_b, inverse = work.multiply;
     const std::uint64_t p = prime_table[index_of(plan_.multiplier())][prime].value;
     const PrimeModulus& modulus = constants(prime).modulus;
     const std::uint64_t first = group * plan_.rows_of_group();
@@ -106,17 +95,17 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
     LeafRoots down(plan_, workspace), back(plan_, workspace);
     down.base = leaf_base(plan_.multiplier(), prime, kernels_.log_lanes, false);
     back.base = leaf_base(plan_.multiplier(), prime, kernels_.log_lanes, true);
-    const std::uint64_t row_numbers = plan_.row_roots_doubles() / (2 * plan_.primes());
     const std::uint64_t leaf_numbers = plan_.leaf_roots_doubles() / (2 * plan_.primes());
-    if (forward) {
-        down.prepare(kernels_, plan_, modulus, row_roots_ + prime * row_numbers + first, row_count,
-                     leaf_roots_ + prime * leaf_numbers);
-    }
-    if (inverse) {
-        const std::uint64_t index = plan_.primes() + prime;
-        back.prepare(kernels_, plan_, modulus, row_roots_ + index * row_numbers + first, row_count,
-                     leaf_roots_ + index * leaf_numbers);
-    }
+    const auto prepare = [&](LeafRoots& roots, bool back_way) {
+        double row_roots[8];
+        for (std::uint64_t row = 0; row < row_count; ++row) {
+            row_roots[row] = row_root(prime, first + row, back_way);
+        }
+        const std::uint64_t index = (back_way ? plan_.primes() : 0) + prime;
+        roots.prepare(kernels_, plan_, modulus, row_roots, row_count, leaf_roots_ + index * leaf_numbers);
+    };
+    if (forward) prepare(down, false);
+    if (inverse) prepare(back, true);
 
     // 1 / (points * P / p): the points' number divides p - 1.
     const ConversionConstants& conversion = conversion_constants(plan_.primes(), plan_.multiplier());
@@ -133,18 +122,21 @@ void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t 
         double* row_b = b + offset;
         if (forward && row_layers > 0) {
             down.make_row_factors(plan_, p, row);
-            kernels_.forward_layers(row_a, layers_down, modulus, false);
-            if (b != a) kernels_.forward_layers(row_b, layers_down, modulus, false);
+            if (work.transform_a) kernels_.forward_layers(row_a, layers_down, modulus, false);
+            if (work.transform_b) kernels_.forward_layers(row_b, layers_down, modulus, false);
         }
         for (std::uint64_t leaf = 0; leaf < leaves; ++leaf) {
             double* leaf_a = row_a + leaf * leaf_points;
             double* leaf_b = row_b + leaf * leaf_points;
             if (forward) {
                 down.make_table(kernels_, plan_, modulus, row * leaves + leaf, 1);
-                kernels_.leaf_forward(leaf_a, down.table, down.base, plan_.leaf_layers, modulus);
-                if (b != a) kernels_.leaf_forward(leaf_b, down.table, down.base, plan_.leaf_layers, modulus);
+                if (work.transform_a)
+                    kernels_.leaf_forward(leaf_a, down.table, down.base, plan_.leaf_layers, modulus);
+                if (work.transform_b)
+                    kernels_.leaf_forward(leaf_b, down.table, down.base, plan_.leaf_layers, modulus);
             }
             if (inverse) {
+                if (work.square_b) std::copy_n(leaf_b, leaf_points, leaf_a);
                 kernels_.pointwise(leaf_a, leaf_b, leaf_points, modulus);
                 back.make_table(kernels_, plan_, modulus, row * leaves + leaf, scale_value);
                 kernels_.leaf_inverse(leaf_a, back.table, back.base, plan_.leaf_layers, modulus);

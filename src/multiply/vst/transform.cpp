@@ -32,11 +32,10 @@ std::uint64_t top_root(const Plan& plan, const PrimeConstants& c, std::uint64_t 
     return power_modulo(roots[plan.size.exponent + 1], 2 * std::uint64_t{subtree} + plan.multiplier(), p);
 }
 
-// numbers[b] = first * e(f(b) / 2^layers) for b < 2^bits, f(b) the mirrored bits of b: bit i of b
-// contributes the root of order 2^(layers + i + 1).
-void mirrored_sequence(double* numbers, int bits, int layers, std::uint64_t first, const std::uint64_t* roots,
-                       std::uint64_t p) {
-    numbers[0] = static_cast<double>(first);
+// numbers[b] = e(f(b) / 2^layers) for b < 2^bits, f(b) the mirrored bits of b: bit i of b contributes the
+// root of order 2^(layers + i + 1).
+void mirrored_sequence(double* numbers, int bits, int layers, const std::uint64_t* roots, std::uint64_t p) {
+    numbers[0] = 1;
     for (int i = 0; i < bits; ++i) {
         const std::uint64_t size = std::uint64_t{1} << i;
         const std::uint64_t root = roots[layers + i + 1];
@@ -62,34 +61,37 @@ Transform::Transform(const char* function, const Plan& plan, bool negacyclic, co
       conversion_(conversion_kernels()) {
     require_capacity(function, context.scratch_words, plan.scratch_words(1));
     tasks_ = tasks_for(plan, context);
-    row_roots_ = reinterpret_cast<double*>(context.scratch);
-    leaf_roots_ = row_roots_ + plan.row_roots_doubles();
-    spills_ = context.scratch + plan.row_roots_doubles() + plan.leaf_roots_doubles();
+    leaf_roots_ = reinterpret_cast<double*>(context.scratch);
+    spills_ = context.scratch + plan.leaf_roots_doubles();
     workspaces_ = reinterpret_cast<double*>(context.scratch + plan.shared_words());
-    prepare_roots();
+    prepare_leaf_roots();
 }
 
-void Transform::prepare_roots() const {
-    const std::uint64_t row_numbers = plan_.row_roots_doubles() / (2 * plan_.primes());
+void Transform::prepare_leaf_roots() const {
     const std::uint64_t leaf_numbers = plan_.leaf_roots_doubles() / (2 * plan_.primes());
     const int leaf_bits = plan_.row_layers - plan_.leaf_layers;
-    double* rows = row_roots_;
     double* leaves = leaf_roots_;
     for (const bool inverse : {false, true}) {
         for (std::uint32_t prime = 0; prime < plan_.primes(); ++prime) {
             const PrimeConstants& c = constants(prime);
             const std::uint64_t p = prime_table[index_of(plan_.multiplier())][prime].value;
-            const std::uint64_t* roots = inverse ? c.inverse_root : c.root;
-            for (std::uint32_t s = 0; s < plan_.multiplier(); ++s) {
-                mirrored_sequence(rows + s * plan_.subtree_rows(), plan_.column_layers, plan_.row_layers,
-                                  top_root(plan_, c, p, s, negacyclic_, inverse), roots, p);
-            }
             std::fill(leaves, leaves + leaf_numbers, 0.0);
-            mirrored_sequence(leaves, leaf_bits, plan_.leaf_layers, 1, roots, p);
-            rows += row_numbers;
+            mirrored_sequence(leaves, leaf_bits, plan_.leaf_layers, inverse ? c.inverse_root : c.root, p);
             leaves += leaf_numbers;
         }
     }
+}
+
+double Transform::row_root(std::uint32_t prime, std::uint64_t row, bool inverse) const {
+    const PrimeConstants& c = constants(prime);
+    const std::uint64_t p = prime_table[index_of(plan_.multiplier())][prime].value;
+    const std::uint64_t subtree = row / plan_.subtree_rows(), node = row % plan_.subtree_rows();
+    const std::uint64_t* roots = inverse ? c.inverse_root : c.root;
+    std::uint64_t root = top_root(plan_, c, p, static_cast<std::uint32_t>(subtree), negacyclic_, inverse);
+    for (int i = 0; i < plan_.column_layers; ++i) {
+        if (node >> i & 1) root = multiply_modulo(root, roots[plan_.row_layers + i + 1], p);
+    }
+    return balanced(root, p);
 }
 
 }  // namespace qmp::vst

@@ -36,10 +36,14 @@ class Transform {
     void split(PrimeRange primes, double* matrix_a, const void* a, std::uint64_t bytes_a, double* matrix_b,
                const void* b, std::uint64_t bytes_b) const;
 
-    // Rows. What is done to them, and whether the operands' rows have yet to be transformed.
-    void transform_rows(double* matrix) const;
-    void multiply_rows(double* a, const double* b) const;
-    void transform_and_multiply_rows(PrimeRange primes, double* a, double* b) const;  // b may be a
+    // Rows. What is done to them: each operand's transform where it is still to do, and the product, a * b,
+    // transformed back, in a's place. With `square_b` b's rows take the place of a's first. b may be a; its
+    // own transform is not to do then.
+    struct RowWork {
+        bool transform_a, transform_b, multiply;
+        bool square_b = false;
+    };
+    void rows(PrimeRange primes, double* a, double* b, RowWork work) const;
 
     // Columns to product: the bytes [first, end) of the product to `destination`; those near `first` may
     // lack a carry from below it. The convolution is cyclic: what lies beyond it comes again at its start.
@@ -49,7 +53,6 @@ class Transform {
     bool merge_negacyclic(unsigned char* destination, double* matrix) const;
 
   private:
-    enum class RowWork { transform, multiply, transform_and_multiply };
     struct Window;
     struct LeafRoots;
 
@@ -58,11 +61,14 @@ class Transform {
     void for_units(std::uint64_t units, Body body) const;
     const PrimeConstants& constants(std::uint32_t prime) const;
 
-    void prepare_roots() const;
+    void prepare_leaf_roots() const;
+    // For the row's leaves and layers: e(a / its points), a the row's angle, or its inverse.
+    double row_root(std::uint32_t prime, std::uint64_t row, bool inverse) const;
     void split_tile(PrimeRange primes, double* matrix, const void* operand, std::uint64_t bytes,
                     std::uint64_t tile, double* workspace) const;
-    void rows(PrimeRange primes, double* a, double* b, RowWork work) const;
-    // a, b: the matrices of the prime.
+    std::uint64_t mirror_row(std::uint64_t row) const;
+    // The rows of the group that do not come after their mirror rows, and these. a, b: the matrices of the
+    // prime.
     void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                        double* workspace) const;
     double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,
@@ -77,7 +83,6 @@ class Transform {
     const TransformKernels& kernels_;
     const ConversionKernels& conversion_;
     std::uint64_t tasks_;
-    double* row_roots_;   // [direction][prime][row]
     double* leaf_roots_;  // [direction][prime][leaf]
     std::uint64_t* spills_;
     double* workspaces_;

@@ -4,7 +4,6 @@
 
 #include "errors/check.h"
 #include "errors/fatal.h"
-#include "multiply/vst/transform.h"
 
 namespace qmp::vst {
 namespace {
@@ -26,8 +25,9 @@ void VstTransformParameters::transform(const char* function, const MultiplyConte
                                        bool negacyclic) const {
     if (length > convolution_words()) invalid_function_parameters(function);
     const Transform transform(function, plan_, negacyclic, context);
-    transform.split(as_matrix(transformed), operand, length * sizeof(Word));
-    transform.transform_rows(as_matrix(transformed));
+    double* matrix = as_matrix(transformed);
+    transform.split(matrix, operand, length * sizeof(Word));
+    transform.rows(transform.all_primes(), matrix, matrix, {true, false, false});
 }
 
 void VstTransformParameters::forward(const MultiplyContext& context, Word* transformed, const Word* operand,
@@ -45,15 +45,45 @@ void VstTransformParameters::forward_negacyclic(const MultiplyContext& context, 
     transform("VstTransformParameters::forward_negacyclic()", context, transformed, operand, length, true);
 }
 
+OperandState VstTransformParameters::begin_forward(const MultiplyContext& context, Word* transformed,
+                                                   const Word* operand, std::uint64_t length) const {
+    constexpr const char* function = "VstTransformParameters::begin_forward()";
+    if (length > convolution_words()) invalid_function_parameters(function);
+    Transform(function, plan_, false, context).split(as_matrix(transformed), operand, length * sizeof(Word));
+    return OperandState::begun;
+}
+
+void VstTransformParameters::multiply(const char* function, const MultiplyContext& context, Word* a, Word* b,
+                                      Transform::RowWork work, Word* destination, std::uint64_t first,
+                                      std::uint64_t end) const {
+    if (first > end || end > convolution_words()) invalid_function_parameters(function);
+    const Transform transform(function, plan_, false, context);
+    transform.rows(transform.all_primes(), as_matrix(a), as_matrix(b), work);
+    transform.merge(reinterpret_cast<unsigned char*>(destination), first * sizeof(Word), end * sizeof(Word),
+                    as_matrix(a));
+}
+
+void VstTransformParameters::finish_multiply(const MultiplyContext& context, Word* a, OperandState state_a,
+                                             Word* b, OperandState state_b, Word* destination,
+                                             std::uint64_t first, std::uint64_t end) const {
+    const bool transform_b = a != b && state_b == OperandState::begun;
+    multiply("VstTransformParameters::finish_multiply()", context, a, b,
+             {state_a == OperandState::begun, transform_b, true}, destination, first, end);
+}
+
+void VstTransformParameters::finish_square(const MultiplyContext& context, Word* space, Word* a,
+                                           OperandState state, Word* destination, std::uint64_t first,
+                                           std::uint64_t end) const {
+    multiply("VstTransformParameters::finish_square()", context, space, a,
+             {false, state == OperandState::begun, true, true}, destination, first, end);
+}
+
 void VstTransformParameters::inverse_multiply(const MultiplyContext& context, Word* a, const Word* b,
                                               Word* destination, std::uint64_t first,
                                               std::uint64_t end) const {
-    constexpr const char* function = "VstTransformParameters::inverse_multiply()";
-    if (first > end || end > convolution_words()) invalid_function_parameters(function);
-    const Transform transform(function, plan_, false, context);
-    transform.multiply_rows(as_matrix(a), reinterpret_cast<const double*>(b));
-    transform.merge(reinterpret_cast<unsigned char*>(destination), first * sizeof(Word), end * sizeof(Word),
-                    as_matrix(a));
+    // A whole operand is only read.
+    multiply("VstTransformParameters::inverse_multiply()", context, a, const_cast<Word*>(b),
+             {false, false, true}, destination, first, end);
 }
 
 void VstTransformParameters::inverse_square(const MultiplyContext& context, Word* a, Word* destination,
@@ -64,7 +94,8 @@ void VstTransformParameters::inverse_square(const MultiplyContext& context, Word
 bool VstTransformParameters::inverse_multiply_negacyclic(const MultiplyContext& context, Word* a,
                                                          const Word* b, Word* destination) const {
     const Transform transform("VstTransformParameters::inverse_multiply_negacyclic()", plan_, true, context);
-    transform.multiply_rows(as_matrix(a), reinterpret_cast<const double*>(b));
+    transform.rows(transform.all_primes(), as_matrix(a), as_matrix(const_cast<Word*>(b)),
+                   {false, false, true});
     return transform.merge_negacyclic(reinterpret_cast<unsigned char*>(destination), as_matrix(a));
 }
 
@@ -83,7 +114,7 @@ void VstTransformParameters::product(const char* function, const MultiplyContext
     const Transform transform(function, plan_, false, inner);
     if (square) {
         transform.split(matrix_a, a, bytes_a);
-        transform.transform_and_multiply_rows(transform.all_primes(), matrix_a, matrix_a);
+        transform.rows(transform.all_primes(), matrix_a, matrix_a, {true, false, true});
     } else {
         // The second operand's matrices are used up at once, and its memory serves for the next primes.
         const std::uint32_t step = plan_.primes_at_a_time(transform.tasks());
@@ -91,7 +122,7 @@ void VstTransformParameters::product(const char* function, const MultiplyContext
             const Transform::PrimeRange range{prime, std::min(prime + step, plan_.primes())};
             double* matrices_a = matrix_a + prime * plan_.prime_stride;
             transform.split(range, matrices_a, a, bytes_a, matrix_b, b, bytes_b);
-            transform.transform_and_multiply_rows(range, matrices_a, matrix_b);
+            transform.rows(range, matrices_a, matrix_b, {true, true, true});
         }
     }
     transform.merge(static_cast<unsigned char*>(destination), first, end, matrix_a);

@@ -3,6 +3,7 @@
 
 #include "multiply/negacyclic_parameters.h"
 #include "multiply/vst/plan.h"
+#include "multiply/vst/transform.h"
 
 namespace qmp::vst {
 
@@ -21,6 +22,13 @@ class VstTransformParameters final : public NegacyclicParameters {
     void inverse_square(const MultiplyContext& context, Word* a, Word* destination, std::uint64_t first,
                         std::uint64_t end) const override;
     bool compatible_with(const TransformParameters& other) const override;
+    OperandState begin_forward(const MultiplyContext& context, Word* transformed, const Word* operand,
+                               std::uint64_t length) const override;
+    void finish_multiply(const MultiplyContext& context, Word* a, OperandState state_a, Word* b,
+                         OperandState state_b, Word* destination, std::uint64_t first,
+                         std::uint64_t end) const override;
+    void finish_square(const MultiplyContext& context, Word* space, Word* a, OperandState state,
+                       Word* destination, std::uint64_t first, std::uint64_t end) const override;
 
     void forward_negacyclic(const MultiplyContext& context, Word* transformed, const Word* operand,
                             std::uint64_t length) const override;
@@ -35,6 +43,8 @@ class VstTransformParameters final : public NegacyclicParameters {
                  std::uint64_t bytes_b) const;
 
   private:
+    void multiply(const char* function, const MultiplyContext& context, Word* a, Word* b,
+                  Transform::RowWork work, Word* destination, std::uint64_t first, std::uint64_t end) const;
     void transform(const char* function, const MultiplyContext& context, Word* transformed,
                    const Word* operand, std::uint64_t length, bool negacyclic) const;
 

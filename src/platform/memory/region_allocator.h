@@ -24,6 +24,8 @@ class RegionAllocator {
     std::uint64_t peak_count() const { return peak_count_; }
     // Highest end of a block ever reached, in bytes from the region's start.
     std::uint64_t peak_bytes() const { return peak_top_ - start_; }
+    // Takes what is used now for the peak: of a part of a computation, the use is seen apart.
+    void restart_peak() { peak_top_ = top_; }
     // End of the highest live block, in bytes from the region's start.
     std::uint64_t used_bytes() const { return top_ - start_; }
 

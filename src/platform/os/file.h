@@ -18,16 +18,24 @@ struct Transfer {
     ErrorCode error = no_error;
 };
 
+// When what is written has reached the disk: as soon as a write returns, or once close() has returned without
+// an error. With after_close a write only hands its block over, the system carries it to the disk in the
+// meantime, and an error on that way may show in close() alone. A system may do more than it is asked for.
+enum class Durable { after_write, after_close };
+
 // An open file with one position. Closed by its destructor. Not for use by two threads at a time.
 class File {
   public:
     File() = default;
     ~File() { close(); }
-    File(File&& other) noexcept : handle_(other.handle_) { other.handle_ = closed; }
+    File(File&& other) noexcept : handle_(other.handle_), durable_(other.durable_) {
+        other.handle_ = closed;
+    }
     File& operator=(File&& other) noexcept {
         if (this != &other) {
             close();
             handle_ = other.handle_;
+            durable_ = other.durable_;
             other.handle_ = closed;
         }
         return *this;
@@ -35,7 +43,7 @@ class File {
 
     // Creates the file, or empties an existing one, for reading and writing; writes go through to the
     // disk. Nobody else may have it open (sharing_violation). A file that was open is closed first.
-    ErrorCode create(const std::string& path);
+    ErrorCode create(const std::string& path, Durable durable = Durable::after_write);
     // Opens an existing file for reading; others may read it as well, but not write.
     ErrorCode open(const std::string& path);
     ErrorCode close();
@@ -51,6 +59,7 @@ class File {
     // A file descriptor, or the bits of a handle.
     static constexpr std::intptr_t closed = -1;
     std::intptr_t handle_ = closed;
+    Durable durable_ = Durable::after_write;
 };
 
 // The size of a file by its path, without opening it.

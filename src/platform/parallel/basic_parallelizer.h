@@ -34,6 +34,10 @@ class BasicParallelizer : public ComponentSettings {
     // Runs a.run(0) and b.run(0), possibly at the same time.
     virtual void run_in_parallel(BasicAction& a, BasicAction& b) = 0;
 
+    // Processors that have nothing to do, as far as the framework knows: a hint for callers that can do with
+    // fewer tasks. None idle: the calling thread is as fast by itself.
+    virtual std::uint64_t idle_processors() const { return ~std::uint64_t{0}; }
+
     // Starts the threads before the timed part of a computation, and lets them go after it.
     virtual void warm_up() {}
     virtual void reset() {}

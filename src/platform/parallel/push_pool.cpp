@@ -47,7 +47,21 @@ bool PushPool::offer(std::uint64_t first, std::uint64_t last, TaskLatch& latch, 
     return false;
 }
 
+// A worker that has just finished a task still looks for the next one, on a processor of its own. Waking
+// another one takes some 50 microseconds, and the system may well put it where the caller runs.
+bool PushPool::offer_to_awake(std::uint64_t workers, TaskLatch& latch, std::uint64_t index) {
+    for (std::uint64_t i = 0; i < workers; ++i) {
+        PushPoolWorker& candidate = worker(i);
+        if (candidate.is_awake() && candidate.try_accept(latch, index)) {
+            latch.set_handed_over();
+            return true;
+        }
+    }
+    return false;
+}
+
 bool PushPool::try_push(TaskLatch& latch, std::uint64_t index) {
+    if (offer_to_awake(count(), latch, index)) return true;
     if (!randomize.load(std::memory_order_relaxed)) return offer(0, count(), latch, index);
     // The mask first: the count that is read after it is at least the one that the mask was made for, and
     // so one subtraction brings any masked number below the count.

@@ -43,6 +43,7 @@ class PushPool {
     // Holding the lock. False when the system grants no thread.
     bool add_worker();
     bool offer(std::uint64_t first, std::uint64_t last, TaskLatch& latch, std::uint64_t index);
+    bool offer_to_awake(std::uint64_t workers, TaskLatch& latch, std::uint64_t index);
 
     const ThreadStartHook hook_;
     std::mutex lock_;

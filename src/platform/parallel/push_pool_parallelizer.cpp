@@ -9,6 +9,7 @@
 #include "console/input.h"
 #include "platform/menu_layout.h"
 #include "platform/os/threads.h"
+#include "platform/parallel/spare_processor.h"
 #include "platform/text_cursor.h"
 #include "platform/thread_group.h"
 
@@ -28,7 +29,9 @@ std::unique_ptr<PushPool> PushPoolParallelizer::new_pool(bool randomize_searches
 
 void PushPoolParallelizer::hand_over(TaskLatch& latch, std::uint64_t index) {
     const bool accepted = threads != 0 ? pool_->try_push(latch, index) : pool_->push(latch, index);
-    if (!accepted) latch.run(index);
+    if (accepted) return;
+    latch.run(index);
+    SpareProcessor::end_work();  // nobody waits for it
 }
 
 void PushPoolParallelizer::run_in_parallel(BasicAction& action, std::uint64_t start, std::uint64_t end) {
@@ -51,6 +54,10 @@ void PushPoolParallelizer::run_in_parallel(BasicAction& a, BasicAction& b) {
     hand_over(latch, 0);
     a.run(0);
     latch.wait();
+}
+
+std::uint64_t PushPoolParallelizer::idle_processors() const {
+    return SpareProcessor::count();
 }
 
 void PushPoolParallelizer::warm_up() {

@@ -28,6 +28,7 @@ class PushPoolParallelizer final : public BasicParallelizer {
     // Starts one worker fewer than the thread limit (or than twice the processors): the calling thread is
     // the last one.
     void warm_up() override;
+    std::uint64_t idle_processors() const override;
     // Replaces the pool by an empty one.
     void reset() override;
 

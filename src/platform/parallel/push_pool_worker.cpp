@@ -2,6 +2,7 @@
 
 #include "console/console.h"
 #include "errors/fatal.h"
+#include "platform/parallel/spare_processor.h"
 #include "platform/parallel/spin.h"
 
 namespace qmp {
@@ -25,6 +26,7 @@ bool PushPoolWorker::try_accept(TaskLatch& latch, std::uint64_t index) {
     if (!task_.compare_exchange_strong(idle, &latch, std::memory_order_acq_rel, std::memory_order_relaxed)) {
         return false;
     }
+    SpareProcessor::begin_work();
     index_ = index;
     ready_.store(true, std::memory_order_release);
     const std::lock_guard<std::mutex> guard(lock_);
@@ -50,6 +52,11 @@ void PushPoolWorker::run_tasks() {
             run_task(*latch);
             continue;
         }
+        awake_.store(true, std::memory_order_relaxed);
+        const bool found =
+            spin_for_a_moment([this] { return task_.load(std::memory_order_relaxed) != nullptr; });
+        awake_.store(false, std::memory_order_relaxed);
+        if (found) continue;
         std::unique_lock<std::mutex> guard(lock_);
         if (stop_) break;
         // Claimants notify under the lock after they set the slot, so no wake-up is lost in between.
@@ -61,6 +68,7 @@ void PushPoolWorker::run_tasks() {
 void PushPoolWorker::run_task(TaskLatch& latch) {
     spin_until([this] { return ready_.load(std::memory_order_acquire); });
     latch.run(index_);  // the latch is gone when this returns
+    SpareProcessor::end_work();
     ready_.store(false, std::memory_order_relaxed);
     task_.store(nullptr, std::memory_order_release);
 }

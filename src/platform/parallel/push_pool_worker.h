@@ -32,6 +32,8 @@ class alignas(64) PushPoolWorker {
 
     // Hands the latch over and returns true, or returns false when the worker is busy. Any thread.
     bool try_accept(TaskLatch& latch, std::uint64_t index);
+    // Whether it waits for a task without having gone to sleep: only a hint.
+    bool is_awake() const { return awake_.load(std::memory_order_relaxed); }
 
   private:
     void thread_main(std::uint64_t number, const ThreadStartHook& hook);
@@ -41,6 +43,7 @@ class alignas(64) PushPoolWorker {
     std::atomic<TaskLatch*> task_{nullptr};
     std::uint64_t index_ = 0;  // written by the claimant before ready_, read by the worker after it
     std::atomic<bool> ready_{false};
+    std::atomic<bool> awake_{false};
     std::mutex lock_;
     std::condition_variable wake_;
     bool stop_ = false;

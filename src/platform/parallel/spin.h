@@ -20,4 +20,18 @@ void spin_until(Condition condition) {
     }
 }
 
+// Spins for some tens of microseconds at the most; true when condition() came to hold. Going to sleep and
+// being woken takes as long, a woken thread may start on the processor of the one that woke it, and the
+// sweeps of a transform follow each other faster than that. Longer waits would take processors from threads
+// that work.
+template <typename Condition>
+bool spin_for_a_moment(Condition condition) {
+    constexpr std::uint32_t patience = 2048;
+    for (std::uint32_t spins = 0; spins < patience; ++spins) {
+        if (condition()) return true;
+        __builtin_ia32_pause();
+    }
+    return false;
+}
+
 }  // namespace qmp

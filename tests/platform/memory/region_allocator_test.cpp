@@ -84,6 +84,21 @@ TEST(RegionAllocator, TopFollowsTheLastBlockAndPeaksStay) {
     EXPECT_EQ(allocator.peak_count(), 3u);
 }
 
+TEST(RegionAllocator, ThePeakCanBeginAnew) {
+    Region region(1024);
+    RegionAllocator allocator(region.data(), region.bytes());
+    void* a = allocator.allocate(64);
+    allocator.release(allocator.allocate(128));
+    EXPECT_EQ(allocator.peak_bytes(), 192u);
+    allocator.restart_peak();
+    EXPECT_EQ(allocator.peak_bytes(), 64u);
+    allocator.release(allocator.allocate(32));
+    EXPECT_EQ(allocator.peak_bytes(), 96u);
+    allocator.release(a);
+    allocator.restart_peak();
+    EXPECT_EQ(allocator.peak_bytes(), 0u);
+}
+
 TEST(RegionAllocator, EveryBlockNeedsRoomForItsRecord) {
     Region region(256);
     {

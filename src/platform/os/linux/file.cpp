@@ -5,12 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <limits>
 
 #include "platform/os/linux/errno_codes.h"
+#include "platform/os/linux/transfer.h"
+#include "platform/os/linux/write_behind.h"
 
 namespace qmp::os {
 namespace {
@@ -60,34 +61,19 @@ ErrorCode open_claimed(const std::string& path, int flags, int operation, std::i
     return no_error;
 }
 
-// Runs `call(done, count)` until `bytes` are moved, it moves nothing, or it fails.
-template <typename Call>
-Transfer transfer(std::uint64_t bytes, ErrorCode fault, Call call) {
-    Transfer result;
-    while (result.bytes < bytes) {
-        const ssize_t moved = call(result.bytes, std::min(bytes - result.bytes, largest_transfer));
-        if (moved > 0) {
-            result.bytes += static_cast<std::uint64_t>(moved);
-        } else if (moved == 0) {
-            break;
-        } else if (errno != EINTR) {
-            result.error = code_of_errno(errno, fault);
-            break;
-        }
-    }
-    return result;
-}
-
 }  // namespace
 
-ErrorCode File::create(const std::string& path) {
+ErrorCode File::create(const std::string& path, Durable durable) {
     close();
+    durable_ = durable;
+    const int through = durable == Durable::after_write ? O_DSYNC : 0;
     // Emptied only after the claim: another process's open file must not lose its content.
-    return open_claimed(path, O_RDWR | O_CREAT | O_DSYNC, LOCK_EX, handle_);
+    return open_claimed(path, O_RDWR | O_CREAT | through, LOCK_EX, handle_);
 }
 
 ErrorCode File::open(const std::string& path) {
     close();
+    durable_ = Durable::after_write;
     return open_claimed(path, O_RDONLY, LOCK_SH, handle_);
 }
 
@@ -95,8 +81,11 @@ ErrorCode File::close() {
     if (!is_open()) return no_error;
     const int descriptor = descriptor_of(handle_);
     handle_ = closed;
+    const ErrorCode error = durable_ == Durable::after_close ? settle(descriptor) : no_error;
     // The descriptor is gone even when the call was interrupted.
-    return ::close(descriptor) == 0 || errno == EINTR ? no_error : code_of_errno(errno, write_fault);
+    const bool closed_well = ::close(descriptor) == 0 || errno == EINTR;
+    if (error != no_error) return error;
+    return closed_well ? no_error : code_of_errno(errno, write_fault);
 }
 
 Transfer File::read(void* buffer, std::uint64_t bytes) {
@@ -106,11 +95,8 @@ Transfer File::read(void* buffer, std::uint64_t bytes) {
 }
 
 Transfer File::write(const void* buffer, std::uint64_t bytes) {
-    Transfer result = transfer(bytes, write_fault, [&](std::uint64_t done, std::uint64_t count) {
-        return ::write(descriptor_of(handle_), static_cast<const char*>(buffer) + done, count);
-    });
-    if (result.bytes < bytes && result.error == no_error) result.error = disk_full;
-    return result;
+    return (durable_ == Durable::after_close ? write_behind : write_all)(descriptor_of(handle_), buffer,
+                                                                         bytes);
 }
 
 ErrorCode File::seek(std::uint64_t offset) {

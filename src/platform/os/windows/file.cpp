@@ -22,8 +22,10 @@ ErrorCode last_error() {
 
 }  // namespace
 
-ErrorCode File::create(const std::string& path) {
+ErrorCode File::create(const std::string& path, Durable durable) {
     close();
+    // Every write goes through either way: nothing is left for close() to wait for.
+    durable_ = durable;
     const HANDLE handle = CreateFileW(wide_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                       OPEN_ALWAYS, FILE_FLAG_WRITE_THROUGH, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return last_error();

@@ -1,4 +1,4 @@
-#include "timing.h"
+#include "support/timing.h"
 
 #include <algorithm>
 #include <chrono>

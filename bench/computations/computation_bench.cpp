@@ -1,0 +1,160 @@
+// The bench of whole computations: one command prints all of it (--help).
+#include <gmp.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "agreement.h"
+#include "breakdown.h"
+#include "errors/exception.h"
+#include "multiply/instruction_levels.h"
+#include "options.h"
+#include "support/machine.h"
+#include "support/timing.h"
+#include "support/workspace.h"
+#include "tables.h"
+
+namespace {
+
+using bench::Computation;
+using bench::Measured;
+using bench::Options;
+
+// Seconds of the unit: one product of 10^6 x 10^6 words by GMP, on one thread.
+double measure_unit() {
+    constexpr mp_size_t words = 1'000'000;
+    constexpr double budget = 2.5;
+    const bench::Words a = bench::random_words(words, 1);
+    const bench::Words b = bench::random_words(words, 2);
+    bench::Words product(2 * words);
+    return bench::measure([&] { mpn_mul_n(product.data(), a.data(), b.data(), words); }, budget);
+}
+
+// A folder of the benchmark's own among the temporary ones, unless one is chosen.
+class Folder {
+  public:
+    explicit Folder(const std::string& chosen) : path_(chosen), own_(chosen.empty()) {
+        if (!own_) return;
+        std::string name = (std::filesystem::temp_directory_path() / "kelvara-bench-XXXXXX").string();
+        if (!mkdtemp(name.data())) throw std::system_error(errno, std::generic_category(), name);
+        path_ = name;
+    }
+    ~Folder() {
+        std::error_code ignored;
+        if (own_) std::filesystem::remove_all(path_, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+    bool own_;
+};
+
+std::vector<Computation> computations(const Options& options) {
+    std::vector<Computation> list;
+    std::set<std::string> used;
+    for (const std::string& constant : options.constants) {
+        std::vector<std::string> algorithms;
+        for (const std::string& algorithm : options.algorithms) {
+            if (bench::has_algorithm(constant, algorithm)) algorithms.push_back(algorithm);
+        }
+        if (options.algorithms.empty()) algorithms.push_back(bench::first_algorithm(constant));
+        if (algorithms.empty()) throw std::invalid_argument("None of the algorithms is one of " + constant);
+        used.insert(algorithms.begin(), algorithms.end());
+        for (const std::string& algorithm : algorithms) {
+            for (const std::uint64_t digits : options.digits) {
+                for (const std::uint64_t tasks : options.tasks) {
+                    list.push_back({constant, algorithm, digits, tasks});
+                }
+            }
+        }
+    }
+    for (const std::string& algorithm : options.algorithms) {
+        if (!used.contains(algorithm)) throw std::invalid_argument("No such algorithm: " + algorithm);
+    }
+    return list;
+}
+
+void print_head(const Options& options, double unit) {
+    bench::print_machine();
+    std::printf("U:          %.4f s, one product of 10^6 x 10^6 words by mpn_mul_n, median\n", unit);
+    std::printf(
+        "Times:      wall-clock, medians of %llu runs, \"Begin Computation\" to digits written and "
+        "verified\n",
+        static_cast<unsigned long long>(options.runs));
+}
+
+std::vector<Measured> measure_all(const Options& options, const std::string& folder, double unit) {
+    std::vector<Measured> all;
+    bench::print_table_head();
+    for (const std::string& level : options.levels) {
+        qmp::force_level(level);
+        for (const Computation& computation : computations(options)) {
+            auto result = bench::run(computation, options.runs, folder, options.digits);
+            if (!result) {
+                std::printf("| %s | %s | %llu | %llu | not enough memory |\n", computation.name().c_str(),
+                            level.c_str(), static_cast<unsigned long long>(computation.digits),
+                            static_cast<unsigned long long>(computation.tasks));
+                continue;
+            }
+            all.push_back({computation, level, std::move(*result)});
+            bench::print_line(all.back(), unit);
+        }
+    }
+    return all;
+}
+
+void print_breakdowns(const Options& options, const std::vector<Measured>& all, double unit) {
+    for (const Measured& measured : all) {
+        if (measured.computation.digits != options.digits.back()) continue;
+        qmp::force_level(measured.level);
+        bench::print_phases(measured, unit);
+        bench::print_newton(measured);
+        if (measured.computation.tasks == 1) bench::print_series(measured);
+    }
+}
+
+// False when digits differ.
+bool run(const Options& options) {
+    const Folder folder(options.folder);
+    computations(options);  // what the options name is known before anything is measured
+    const double unit = measure_unit();
+    print_head(options, unit);
+    const std::vector<Measured> all = measure_all(options, folder.path(), unit);
+    if (options.digits.size() > 1) bench::print_growth(all);
+    if (options.breakdown) print_breakdowns(options, all, unit);
+    return bench::print_agreement(all);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const Options options = bench::parse_options(argc, argv);
+        if (options.help) {
+            bench::print_help();
+            return 0;
+        }
+        if (!run(options)) return 1;
+    } catch (const std::logic_error& e) {  // of the options
+        std::fprintf(stderr, "computation_bench: %s\n", e.what());
+        return 2;
+    } catch (const std::system_error& e) {
+        std::fprintf(stderr, "computation_bench: %s\n", e.what());
+        return 2;
+    } catch (const qmp::Exception& e) {
+        std::fflush(stdout);
+        e.print();
+        return 2;
+    }
+    return 0;
+}

@@ -1,0 +1,103 @@
+#include "options.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+#include <string_view>
+
+#include "support/arguments.h"
+
+namespace bench {
+namespace {
+
+constexpr std::uint64_t growth_begins = 1'000'000;
+
+void sort_out(std::vector<std::uint64_t>& list) {
+    std::sort(list.begin(), list.end());
+    list.erase(std::unique(list.begin(), list.end()), list.end());
+}
+
+// 1, 2.5, 5, 10, 25, ... million, as far as the longest of the list.
+void fill_in(std::vector<std::uint64_t>& digits) {
+    const std::uint64_t longest = digits.back();
+    for (std::uint64_t power = growth_begins; power <= longest; power *= 10) {
+        for (const std::uint64_t size : {power, power / 2 * 5, 5 * power}) {
+            if (size <= longest) digits.push_back(size);
+        }
+    }
+    sort_out(digits);
+}
+
+bool set_flag(Options& options, std::string_view name) {
+    if (name == "--growth") {
+        options.growth = true;
+    } else if (name == "--breakdown") {
+        options.breakdown = true;
+    } else if (name == "--help") {
+        options.help = true;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool set_value(Options& options, const Argument& argument) {
+    const auto& [name, value] = argument;
+    if (name == "--digits") {
+        options.digits = numbers(value);
+    } else if (name == "--tasks") {
+        options.tasks = numbers(value);
+    } else if (name == "--constants") {
+        options.constants = items(value);
+    } else if (name == "--algorithms") {
+        options.algorithms = items(value);
+    } else if (name == "--levels") {
+        options.levels = chosen(items(value), supported_levels(), "level");
+    } else if (name == "--runs") {
+        options.runs = numbers(value).front();
+    } else if (name == "--folder") {
+        options.folder = value;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+Options parse_options(int argc, char** argv) {
+    Options options;
+    options.levels = {supported_levels().front()};
+    for (int i = 1; i < argc; ++i) {
+        const Argument argument(argv[i]);
+        if (argument.value.empty() ? !set_flag(options, argument.name) : !set_value(options, argument)) {
+            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
+        }
+    }
+    sort_out(options.digits);
+    sort_out(options.tasks);
+    if (options.growth) fill_in(options.digits);
+    return options;
+}
+
+void print_help() {
+    std::printf(
+        "computation_bench: whole computations, from \"Begin Computation\" to the digit file written and\n"
+        "verified, beside one product of 10^6 x 10^6 words by GMP in the same run.\n"
+        "\n"
+        "  --digits=LIST      decimal digits, as 1e6,25e6 (these)\n"
+        "  --tasks=LIST       task counts (1,2)\n"
+        "  --constants=LIST   keys of constants, as pi,e (pi)\n"
+        "  --algorithms=LIST  keywords, as chudnovsky,ramanujan,exp(1) (the first one of each constant)\n"
+        "  --levels=LIST      instruction-set levels, as \"AVX-512,AVX2\" (the best one)\n"
+        "  --runs=N           runs of each computation, of which the median counts (3)\n"
+        "  --folder=PATH      where the digit files go, one at a time (a temporary folder)\n"
+        "  --growth           fills the digits up with 1, 2.5, 5, 10, 25, ... million below the largest\n"
+        "  --breakdown        the time by phase, the series on one task by kind of work, and the Newton\n"
+        "                     iterations in products, at the largest size\n"
+        "  --help\n"
+        "\n"
+        "A quick look: computation_bench --digits=1e6 --runs=1 --breakdown\n");
+}
+
+}  // namespace bench

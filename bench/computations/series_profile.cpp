@@ -1,0 +1,113 @@
+#include "series_profile.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "constants/pi_formulas.h"
+#include "platform/timers.h"
+#include "series/bsr_engine.h"
+#include "series/bsr_verify.h"
+#include "series/psr_evaluate.h"
+#include "series/series_e_taylor.h"
+#include "support/workspace.h"
+#include "timed_series.h"
+
+namespace bench {
+namespace {
+
+using qmp::PsrBlock;
+
+// Buffers for the blocks of a series, and the times of what is done in them.
+template <typename Series>
+class Profile {
+  public:
+    Profile(const Series& series, std::uint64_t longest_product, std::uint64_t buffer_words)
+        : series_(series),
+          workspace_(longest_product, 1),
+          buffer_words_(buffer_words),
+          memory_(Series::buffer_count * buffer_words) {
+        // As a session fills its memory before it begins to compute.
+        std::fill_n(memory_.data(), Series::buffer_count * buffer_words, qmp::Word{0});
+        std::fill_n(workspace_.context().scratch, workspace_.scratch_words(), qmp::Word{0});
+    }
+
+    void sum(std::uint64_t a, std::uint64_t b, std::uint64_t depth) {
+        typename Series::Buffers out;
+        for (std::size_t i = 0; i < Series::buffer_count; ++i) {
+            out[i] = qmp::ExactFloat(memory_.data() + i * buffer_words_, buffer_words_);
+        }
+        const TimedSeries<Series> timed(series_, times_);
+        const qmp::MultiplyContext& context = workspace_.context();
+        const qmp::CounterTimePoint start = qmp::now();
+        const std::uint64_t first_tick = __rdtsc();
+        qmp::BSR_block(timed, context, nullptr, out, a, b, depth);
+        ticks_ += __rdtsc() - first_tick;
+        const qmp::CounterTimePoint summed = qmp::now();
+        qmp::qcb_Verify_BSR(nullptr, a, b, {out.data(), Series::output_count}, context.parallel());
+        checked_ += qmp::seconds_between(qmp::now(), summed);
+        summed_ += qmp::seconds_between(summed, start);
+        ++blocks_;
+    }
+
+    std::vector<WorkKind> kinds() const {
+        const double tick = summed_ / static_cast<double>(ticks_);
+        std::vector<WorkKind> list;
+        double rest = summed_;
+        const auto add = [&](const std::string& name, const WorkTimes::Kind& kind) {
+            if (kind.count == 0) return;
+            list.push_back({name, kind.count, static_cast<double>(kind.ticks) * tick});
+            rest -= list.back().seconds;
+        };
+        add("leaves", times_.leaves);
+        for (std::size_t k = 0; k < times_.merges.size(); ++k) {
+            add("merges, Q 2^" + std::to_string(k) + " words", times_.merges[k]);
+        }
+        list.push_back({"recursion around them", times_.leaves.count, rest});
+        list.push_back({"modular check of the blocks", blocks_, checked_});
+        return list;
+    }
+
+  private:
+    const Series& series_;
+    Workspace workspace_;
+    std::uint64_t buffer_words_;
+    AlignedWords memory_;
+    WorkTimes times_;
+    std::uint64_t blocks_ = 0;
+    std::uint64_t ticks_ = 0;
+    double summed_ = 0;
+    double checked_ = 0;
+};
+
+std::vector<WorkKind> profile_pi(const kelvara::PiFormula& formula, std::uint64_t p) {
+    const qmp::PsrPlan plan = qmp::build_psr_plan(formula.series, p, formula.reduced ? 0.5 : 1.0);
+    const qmp::PlanSizes sizes = formula.series.SizesForPlan(plan, 0, 1);
+    Profile<qmp::BSS_P2B3_Type0> profile(formula.series, qmp::psr_largest_product(formula.series, plan),
+                                         sizes.exact_words);
+    for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
+        profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
+    }
+    return profile.kinds();
+}
+
+std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
+    const qmp::Series_e_Taylor series(negative);
+    Profile<qmp::Series_e_Taylor> profile(series, 2 * (p / 2 + series.size_margin),
+                                          qmp::BSR_sizes(series, p, 1, 1).words);
+    profile.sum(1, series.TermsForPrecision(p), 1);
+    return profile.kinds();
+}
+
+}  // namespace
+
+std::vector<WorkKind> profile_series(const Computation& computation, std::uint64_t precision) {
+    if (computation.constant == "e") return profile_e(computation.algorithm == "exp(-1)", precision);
+    if (computation.constant != "pi") return {};
+    static constexpr const char* keywords[] = {"chudnovsky", "ramanujan", "chudnovsky-reduced",
+                                               "ramanujan-reduced"};
+    const auto* found = std::find(std::begin(keywords), std::end(keywords), computation.algorithm);
+    return profile_pi(kelvara::pi_formula(static_cast<std::uint32_t>(found - std::begin(keywords))),
+                      precision);
+}
+
+}  // namespace bench
