@@ -38,74 +38,110 @@ KERNEL_INLINE void store_block(double* data, const typename V::Real (&x)[V::lane
     for (int i = 0; i < V::lanes; ++i) V::store(data + i * V::lanes, x[i]);
 }
 
-template <typename V>
-void leaf_forward(double* data, const double* table, const qmp::vst::LeafBase& base, int log_length,
-                  const qmp::vst::PrimeModulus& modulus) {
-    const LeafFactors<V> factors(table, log_length);
-    const Modulus<V> m = modulus_of<V>(modulus);
-    const std::uint64_t points = std::uint64_t{1} << log_length;
+// --- Walks over a leaf; one for each chain of dependent operations, which would be too long together ---
 
+// The first layer, all inputs multiplied.
+template <typename V>
+KERNEL_FUNCTION void leaf_top_forward(double* data, std::uint64_t half, const LeafFactors<V>& factors,
+                                      const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
     const Factor<V> left = factors.first_layer(0), right = factors.first_layer(1);
-    for_columns<V, 1>(Source<V>(data, points / 2), Target<V>(data, points / 2), 0, points / 2,
+    for_columns<V, 1>(Source<V>(data, half), Target<V>(data, half), 0, half,
                       [&](typename V::Real(&x)[2]) KERNEL_INLINE_LAMBDA {
                           x[0] = m.multiply(x[0], left);
                           x[1] = m.multiply(x[1], right);
                           cross<V>(x[0], x[1]);
                       });
-    const qmp::vst::Layers layers{V::lanes, factors.across, factors.nodes, false};
-    ForwardLayers<V>(layers, modulus).run_below(data, 1, true);
+}
 
-    const UnitRoots<V> roots = unit_roots<V>(base, m);
-    const double* record = base.lanes;
-    for (std::uint64_t i = 0; i < points; i += V::lanes * V::lanes, record += twist_record<V>) {
-        typename V::Real x[V::lanes];
-        load_block<V>(x, data + i);
-        V::transpose(x);
-        x[0] = m.reduce(x[0]);
-        twist_block<V>(x, record, m);
-        store_block<V>(data + i, x);
-    }
-    // A walk of its own: both chains of dependent operations would be too long for one.
+template <typename V>
+KERNEL_FUNCTION void leaf_top_inverse(double* data, std::uint64_t half, const LeafFactors<V>& factors,
+                                      const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
+    const Factor<V> left = factors.first_layer(0), right = factors.first_layer(1);
+    for_columns<V, 1>(Source<V>(data, half), Target<V>(data, half), 0, half,
+                      [&](typename V::Real(&x)[2]) KERNEL_INLINE_LAMBDA {
+                          cross<V>(x[0], x[1]);
+                          x[0] = m.multiply(x[0], left);
+                          x[1] = m.multiply(x[1], right);
+                      });
+}
+
+template <typename V, typename Body>
+KERNEL_INLINE void for_blocks(double* data, std::uint64_t points, const Body& body) {
     for (std::uint64_t i = 0; i < points; i += V::lanes * V::lanes) {
         typename V::Real x[V::lanes];
         load_block<V>(x, data + i);
-        unit_forward(x, m, roots);
+        body(x);
         store_block<V>(data + i, x);
     }
+}
+
+template <typename V>
+KERNEL_FUNCTION void twist_forward(double* data, std::uint64_t points, const double* record,
+                                   const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
+    for_blocks<V>(data, points, [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA {
+        V::transpose(x);
+        x[0] = m.reduce(x[0]);
+        twist_block<V>(x, record, m);
+        record += twist_record<V>;
+    });
+}
+
+template <typename V>
+KERNEL_FUNCTION void twist_inverse(double* data, std::uint64_t points, const double* record,
+                                   const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
+    for_blocks<V>(data, points, [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA {
+        twist_block<V>(x, record, m);
+        record += twist_record<V>;
+        V::transpose(x);
+    });
+}
+
+template <typename V>
+KERNEL_FUNCTION void unit_layers_forward(double* data, std::uint64_t points, const qmp::vst::LeafBase& base,
+                                         const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
+    const UnitRoots<V> roots = unit_roots<V>(base, m);
+    for_blocks<V>(data, points,
+                  [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA { unit_forward(x, m, roots); });
+}
+
+template <typename V>
+KERNEL_FUNCTION void unit_layers_inverse(double* data, std::uint64_t points, const qmp::vst::LeafBase& base,
+                                         const qmp::vst::PrimeModulus& modulus) {
+    const Modulus<V> m = modulus_of<V>(modulus);
+    const UnitRoots<V> roots = unit_roots<V>(base, m);
+    for_blocks<V>(data, points,
+                  [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA { unit_inverse(x, m, roots); });
+}
+
+// --- Leaves ---
+
+template <typename V>
+void leaf_forward(double* data, const double* table, const qmp::vst::LeafBase& base, int log_length,
+                  const qmp::vst::PrimeModulus& modulus) {
+    const LeafFactors<V> factors(table, log_length);
+    const std::uint64_t points = std::uint64_t{1} << log_length;
+    const qmp::vst::Layers layers{V::lanes, factors.across, factors.nodes, false};
+    leaf_top_forward<V>(data, points / 2, factors, modulus);
+    ForwardLayers<V>(layers, modulus).run_below(data, 1, true);
+    twist_forward<V>(data, points, base.lanes, modulus);
+    unit_layers_forward<V>(data, points, base, modulus);
 }
 
 template <typename V>
 void leaf_inverse(double* data, const double* table, const qmp::vst::LeafBase& base, int log_length,
                   const qmp::vst::PrimeModulus& modulus) {
     const LeafFactors<V> factors(table, log_length);
-    const Modulus<V> m = modulus_of<V>(modulus);
     const std::uint64_t points = std::uint64_t{1} << log_length;
-
-    const UnitRoots<V> roots = unit_roots<V>(base, m);
-    for (std::uint64_t i = 0; i < points; i += V::lanes * V::lanes) {
-        typename V::Real x[V::lanes];
-        load_block<V>(x, data + i);
-        unit_inverse(x, m, roots);
-        store_block<V>(data + i, x);
-    }
-    const double* record = base.lanes;
-    for (std::uint64_t i = 0; i < points; i += V::lanes * V::lanes, record += twist_record<V>) {
-        typename V::Real x[V::lanes];
-        load_block<V>(x, data + i);
-        twist_block<V>(x, record, m);
-        V::transpose(x);
-        store_block<V>(data + i, x);
-    }
-
     const qmp::vst::Layers layers{V::lanes, factors.across, factors.nodes, false};
+    unit_layers_inverse<V>(data, points, base, modulus);
+    twist_inverse<V>(data, points, base.lanes, modulus);
     InverseLayers<V>(layers, modulus).run_below(data, 1);
-    const Factor<V> left = factors.first_layer(0), right = factors.first_layer(1);
-    for_columns<V, 1>(Source<V>(data, points / 2), Target<V>(data, points / 2), 0, points / 2,
-                      [&](typename V::Real(&x)[2]) KERNEL_INLINE_LAMBDA {
-                          cross<V>(x[0], x[1]);
-                          x[0] = m.multiply(x[0], left);
-                          x[1] = m.multiply(x[1], right);
-                      });
+    leaf_top_inverse<V>(data, points / 2, factors, modulus);
 }
 
 template <typename V>
