@@ -29,13 +29,13 @@ double product_seconds(std::uint64_t p, std::uint64_t tasks) {
 
 }  // namespace
 
-void print_phases(const Measured& measured, double unit) {
+void print_phases(const Measured& measured) {
     const Figures& f = measured.result.median;
     std::printf("\nPhases: %s.\n\n| phase | seconds | of all | U |\n|---|---|---|---|\n",
                 measured.title().c_str());
     const auto line = [&](const std::string& name, double seconds) {
         std::printf("| %s | %.4f | %.1f %% | %.3f |\n", name.c_str(), seconds, 100 * seconds / f.seconds,
-                    seconds / unit);
+                    seconds / measured.result.median.unit);
     };
     double rest = f.seconds;
     for (const StepTimes::Step& step : f.steps.steps()) {

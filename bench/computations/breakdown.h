@@ -6,7 +6,7 @@
 namespace bench {
 
 // By phase, and within a phase by what its labels say.
-void print_phases(const Measured& measured, double unit);
+void print_phases(const Measured& measured);
 // Division, inverse square root and final product in times of one product of p x p words.
 void print_newton(const Measured& measured);
 // The series by kind of work: leaves, merges by size, folds. For a computation on one task.

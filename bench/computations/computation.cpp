@@ -13,6 +13,7 @@
 #include "resident.h"
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
+#include "unit.h"
 
 namespace bench {
 namespace {
@@ -63,8 +64,9 @@ void read_file(Result& result, const std::string& path, std::uint64_t digits,
     result.digest = std::move(digests.back());
 }
 
-Figures figures_of(const kelvara::SessionRecord& record, StepTimes&& steps) {
+Figures figures_of(const kelvara::SessionRecord& record, double unit, StepTimes&& steps) {
     Figures figures;
+    figures.unit = unit;
     figures.seconds = record.total_seconds();
     figures.output = qmp::seconds_between(record.ended.wall, record.computed.wall);
     figures.reserving = record.reserving_seconds;
@@ -98,6 +100,7 @@ std::optional<Result> run(const Computation& computation, std::uint64_t runs, co
         set_up(settings, computation, folder);
         if (!fits(settings)) return std::nullopt;
         result.precision = settings.precision();
+        const double unit = measure_unit();
         StepTimes steps;
         RamSession session(settings, &steps);
         restart_resident_peak();
@@ -106,7 +109,7 @@ std::optional<Result> run(const Computation& computation, std::uint64_t runs, co
             session.run();
         }
         const kelvara::SessionRecord& record = session.record();
-        all.push_back(figures_of(record, std::move(steps)));
+        all.push_back(figures_of(record, unit, std::move(steps)));
         const std::string& path = record.files.front().path;
         if (i + 1 == runs) {
             result.hash = record.decimal.hash;
@@ -117,7 +120,7 @@ std::optional<Result> run(const Computation& computation, std::uint64_t runs, co
     }
     const auto middle = all.begin() + static_cast<std::ptrdiff_t>((all.size() - 1) / 2);
     std::nth_element(all.begin(), middle, all.end(),
-                     [](const Figures& a, const Figures& b) { return a.seconds < b.seconds; });
+                     [](const Figures& a, const Figures& b) { return a.in_units() < b.in_units(); });
     result.median = std::move(*middle);
     return result;
 }

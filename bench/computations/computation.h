@@ -22,6 +22,7 @@ struct Computation {
 
 // Seconds and bytes.
 struct Figures {
+    double unit = 0;       // one U just before the run
     double seconds = 0;    // from "Begin Computation" to the digits written and verified
     double output = 0;     // of these, from the constant's value on: conversion, writing, verification
     double reserving = 0;  // before them
@@ -31,6 +32,8 @@ struct Figures {
     std::uint64_t twiddle_bytes = 0;
     std::uint64_t resident = 0;  // of the process, at the peak
     StepTimes steps;
+
+    double in_units() const { return seconds / unit; }
 };
 
 struct Prefix {
@@ -44,7 +47,7 @@ struct Result {
     std::string last_digits;
     std::string digest;            // SHA-256 of the digit file
     std::vector<Prefix> prefixes;  // the same of the file cut after fewer digits
-    Figures median;                // the run that took the median time
+    Figures median;                // the run with the median time in U
 };
 
 // The keyword of a constant's first algorithm, and whether it has one. qmp::InvalidParametersException for

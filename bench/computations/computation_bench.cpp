@@ -1,6 +1,4 @@
 // The bench of whole computations: one command prints all of it (--help).
-#include <gmp.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -16,8 +14,6 @@
 #include "multiply/instruction_levels.h"
 #include "options.h"
 #include "support/machine.h"
-#include "support/timing.h"
-#include "support/workspace.h"
 #include "tables.h"
 
 namespace {
@@ -25,16 +21,6 @@ namespace {
 using bench::Computation;
 using bench::Measured;
 using bench::Options;
-
-// Seconds of the unit: one product of 10^6 x 10^6 words by GMP, on one thread.
-double measure_unit() {
-    constexpr mp_size_t words = 1'000'000;
-    constexpr double budget = 2.5;
-    const bench::Words a = bench::random_words(words, 1);
-    const bench::Words b = bench::random_words(words, 2);
-    bench::Words product(2 * words);
-    return bench::measure([&] { mpn_mul_n(product.data(), a.data(), b.data(), words); }, budget);
-}
 
 // A folder of the benchmark's own among the temporary ones, unless one is chosen.
 class Folder {
@@ -84,16 +70,17 @@ std::vector<Computation> computations(const Options& options) {
     return list;
 }
 
-void print_head(const Options& options, double unit) {
+void print_head(const Options& options) {
     bench::print_machine();
-    std::printf("U:          %.4f s, one product of 10^6 x 10^6 words by mpn_mul_n, median\n", unit);
+    std::printf("U:          one product of 10^6 x 10^6 words by mpn_mul_n, measured before each run\n");
     std::printf(
-        "Times:      wall-clock, medians of %llu runs, \"Begin Computation\" to digits written and "
-        "verified\n",
+        "Times:      wall-clock, \"Begin Computation\" to digits written and verified; of %llu runs the one "
+        "with "
+        "the median in U\n",
         static_cast<unsigned long long>(options.runs));
 }
 
-std::vector<Measured> measure_all(const Options& options, const std::string& folder, double unit) {
+std::vector<Measured> measure_all(const Options& options, const std::string& folder) {
     std::vector<Measured> all;
     bench::print_table_head();
     for (const std::string& level : options.levels) {
@@ -107,17 +94,17 @@ std::vector<Measured> measure_all(const Options& options, const std::string& fol
                 continue;
             }
             all.push_back({computation, level, std::move(*result)});
-            bench::print_line(all.back(), unit);
+            bench::print_line(all.back());
         }
     }
     return all;
 }
 
-void print_breakdowns(const Options& options, const std::vector<Measured>& all, double unit) {
+void print_breakdowns(const Options& options, const std::vector<Measured>& all) {
     for (const Measured& measured : all) {
         if (measured.computation.digits != options.digits.back()) continue;
         qmp::force_level(measured.level);
-        bench::print_phases(measured, unit);
+        bench::print_phases(measured);
         bench::print_newton(measured);
         if (measured.computation.tasks == 1) bench::print_series(measured);
     }
@@ -127,11 +114,10 @@ void print_breakdowns(const Options& options, const std::vector<Measured>& all, 
 bool run(const Options& options) {
     const Folder folder(options.folder);
     computations(options);  // what the options name is known before anything is measured
-    const double unit = measure_unit();
-    print_head(options, unit);
-    const std::vector<Measured> all = measure_all(options, folder.path(), unit);
+    print_head(options);
+    const std::vector<Measured> all = measure_all(options, folder.path());
     if (options.digits.size() > 1) bench::print_growth(all);
-    if (options.breakdown) print_breakdowns(options, all, unit);
+    if (options.breakdown) print_breakdowns(options, all);
     return bench::print_agreement(all);
 }
 

@@ -19,7 +19,7 @@ struct Measured {
 
 // The main table, a line after each computation.
 void print_table_head();
-void print_line(const Measured& measured, double unit);
+void print_line(const Measured& measured);
 // How time and memory grow with the digits of what was measured at several sizes.
 void print_growth(const std::vector<Measured>& all);
 

@@ -59,9 +59,10 @@ struct PiTerms {
         using W = qmp::leaf::Widths<PiTerms, Bits, 1>;
         static_assert(Bits <= 39, "the factors of R are residues as they are");
 
-        const Factor<qmp::leaf::whole_bits(Numbers::r_bits - 1 + 2 * Bits)> outer(
-            Numbers::x * k - (Numbers::x - 1), Numbers::x * k - 1);
+        const qmp::Word low = Numbers::x * k - (Numbers::x - 1);
         const qmp::Word middle = 2 * k - 1;
+        const qmp::Word high = Numbers::x * k - 1;
+        const Factor<qmp::leaf::whole_bits(Numbers::r_bits - 1 + 2 * Bits)> outer(low, high);
         const Factor<qmp::leaf::whole_bits(Numbers::linear_bits + Bits)> linear(Numbers::A, k, Numbers::B);
         const Factor<qmp::leaf::whole_bits(Numbers::q_bits + Bits)> ck(Numbers::C, k);
         const Factor<2 * Bits> kk(k, k);
@@ -69,10 +70,12 @@ struct PiTerms {
         product<W::P, W::R, linear.words>(P, R, linear.w);
         product<W::Q, ck.words, kk.words>(Q, ck.w, kk.w);
 
+        // The factors in another order than in the words, so that only factors of k alone are shared.
+        const Factor<qmp::leaf::whole_bits(Numbers::r_bits + 2 * Bits)> lower(low, middle);
         qmp::leaf::Residues checks;
-        checks.R = residue_product(outer.residue(), middle);
+        checks.R = residue_product(lower.residue(), high);
         checks.P = residue_product(checks.R, linear.residue());
-        checks.Q = residue_product(ck.residue(), kk.residue());
+        checks.Q = residue_product(residue_product(kk.residue(), k), Numbers::C);
         return checks;
     }
 };

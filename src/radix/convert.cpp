@@ -24,20 +24,23 @@ constexpr const char* parallel_name = "qmq_CBRv2_ci_btrf_T()";
 // A part of the label with a count of decimal digits: "-  1,234", " -> 2 x 617".
 class DigitsLabel {
   public:
-    DigitsLabel(Progress* progress, const char* text, std::uint64_t words)
+    DigitsLabel(Progress* progress, const char* text, const ConvertPlanP& plan, std::uint64_t digit_words)
         : text_(progress, text, text_colour),
-          size_(progress, progress ? console::format_separated(word_to_dec(words)) : std::string(),
-                size_colour) {}
+          size_(progress, progress ? digits_of(plan, digit_words) : std::string(), size_colour) {}
 
   private:
+    static std::string digits_of(const ConvertPlanP& plan, std::uint64_t digit_words) {
+        return console::format_separated(word_to_dec(plan.fraction_words(-1, digit_words) - 2));
+    }
+
     ScopedLabel text_;
     ScopedLabel size_;
 };
 
 class Conversion {
   public:
-    Conversion(const ConvertPlanP& plan, const char* name, Progress* progress)
-        : plan_(plan), name_(name), progress_(progress), owner_(std::this_thread::get_id()) {}
+    Conversion(const ConvertPlanP& plan, const char* name, Progress* progress, ConvertHooks* hooks)
+        : plan_(plan), name_(name), progress_(progress), hooks_(hooks), owner_(std::this_thread::get_id()) {}
 
     // The recursion; level is the highest that a node of m words may have. `parallel`: halves may be
     // converted at the same time.
@@ -56,7 +59,7 @@ class Conversion {
         ConvertResult low;
         ConvertResult high;
         if (parallel && context.tds > 1 && level >= plan_.parallel_level()) {
-            const DigitsLabel label(labelled(s), " -> 2 x ", plan_.fraction_words(-1, s) - 2);
+            const DigitsLabel label(labelled(s), " -> 2 x ", plan_, s);
             const std::uint64_t low_tasks = context.tds / 2;
             // A transform of several tasks takes what scratch it is given: the halves must not see each
             // other's.
@@ -70,12 +73,13 @@ class Conversion {
                                              high_context.with_tasks(context.tds - low_tasks), true);
                              });
         } else {
-            const DigitsLabel label(labelled(s), " -> 1 x ", plan_.fraction_words(-1, s) - 2);
+            const DigitsLabel label(labelled(s), " -> 1 x ", plan_, s);
             // Transforms of small nodes are not worth a second thread either.
             const MultiplyContext halves = level >= plan_.parallel_level() ? rest : rest.with_tasks(1);
             low = node(level - 1, top - s, low_m, low_f, halves, parallel);
             high = node(level - 1, top, s, f, halves, parallel);
         }
+        if (hooks_) hooks_->halves(top, s, low_m, high, low);
         return join(top, m, s, low, high);
     }
 
@@ -89,7 +93,7 @@ class Conversion {
 
     FractionView split(int level, std::uint64_t m, std::uint64_t low_m, FractionView f, Word* low_words,
                        const MultiplyContext& context) const {
-        const DigitsLabel label(labelled(m), "-  ", plan_.fraction_words(-1, m) - 2);
+        const DigitsLabel label(labelled(m), "-  ", plan_, m);
         return fractional_product(plan_, level, context, low_words, plan_.fraction_words(level - 1, low_m),
                                   f);
     }
@@ -117,6 +121,7 @@ class Conversion {
     const ConvertPlanP& plan_;
     const char* name_;
     Progress* progress_;
+    ConvertHooks* hooks_;
     std::thread::id owner_;
 };
 
@@ -130,13 +135,13 @@ void report_mismatch(Progress* progress, const ConvertResult& result) {
 
 ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, const char* name,
                       bool parallel, Word* destination_top, std::uint64_t m, const Word* fraction,
-                      std::uint64_t fraction_words, Progress* progress) {
+                      std::uint64_t fraction_words, Progress* progress, ConvertHooks* hooks) {
     if (plan.status()) {
         ConvertResult refused;
         refused.status = plan.status();
         return refused;
     }
-    const Conversion conversion(plan, name, progress);
+    const Conversion conversion(plan, name, progress, hooks);
     const ConvertResult result =
         conversion.node(plan.levels() - 1, destination_top, m, {fraction, fraction_words}, context, parallel);
     report_mismatch(progress, result);
@@ -147,16 +152,16 @@ ConvertResult convert(const ConvertPlanP& plan, const MultiplyContext& context, 
 
 ConvertResult convert_L(const ConvertPlanP& plan, const MultiplyContext& context, Word* destination_top,
                         std::uint64_t m, const Word* fraction, std::uint64_t fraction_words,
-                        Progress* progress) {
+                        Progress* progress, ConvertHooks* hooks) {
     return convert(plan, context, sequential_name, false, destination_top, m, fraction, fraction_words,
-                   progress);
+                   progress, hooks);
 }
 
 ConvertResult qmq_CBRv2_ci_btrf_T(const ConvertPlanP& plan, const MultiplyContext& context,
                                   Word* destination_top, std::uint64_t m, const Word* fraction,
-                                  std::uint64_t fraction_words, Progress* progress) {
-    return convert(plan, context, parallel_name, true, destination_top, m, fraction, fraction_words,
-                   progress);
+                                  std::uint64_t fraction_words, Progress* progress, ConvertHooks* hooks) {
+    return convert(plan, context, parallel_name, true, destination_top, m, fraction, fraction_words, progress,
+                   hooks);
 }
 
 }  // namespace qmp

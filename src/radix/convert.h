@@ -21,15 +21,16 @@ namespace qmp {
 //
 // The fraction is little-endian with the point above its top word; words beyond what the plan needs are not
 // looked at. The context's scratch holds plan.scratch_words(). Progress may be null; it is used on the
-// calling thread only.
+// calling thread only. So may the hooks.
 //
 // convert_L converts one half after the other. qmq_CBRv2_ci_btrf_T converts them in parallel from the
 // plan's parallel level upward, where the context has more than one task.
 ConvertResult convert_L(const ConvertPlanP& plan, const MultiplyContext& context, Word* destination_top,
                         std::uint64_t m, const Word* fraction, std::uint64_t fraction_words,
-                        Progress* progress);
+                        Progress* progress, ConvertHooks* hooks = nullptr);
 ConvertResult qmq_CBRv2_ci_btrf_T(const ConvertPlanP& plan, const MultiplyContext& context,
                                   Word* destination_top, std::uint64_t m, const Word* fraction,
-                                  std::uint64_t fraction_words, Progress* progress);
+                                  std::uint64_t fraction_words, Progress* progress,
+                                  ConvertHooks* hooks = nullptr);
 
 }  // namespace qmp

@@ -4,11 +4,16 @@
 #include <utility>
 
 #include "console/console.h"
+#include "multiply/basecase/schoolbook.h"
 #include "multiply/multiply.h"
 
 namespace qmp {
 namespace {
 
+// Convolutions up to so many words are whole schoolbook products instead. Measured: 22 x 7 words take 44 ns
+// and 41 x 15 words 180 ns, half of what the ways through the algorithm table and a cyclic product take; from
+// 75 x 28 words on the transforms win.
+constexpr std::uint64_t longest_schoolbook_convolution = 58;
 // Digit words from which a half is worth a thread of its own.
 constexpr std::uint64_t parallel_half_words = 512;
 constexpr const char* populate_name = "ConvertPlanP::populate_fft_plans()";
@@ -35,8 +40,10 @@ ConvertPlanP::ConvertPlanP(Word base, std::uint64_t m, std::uint64_t tasks)
         level.power_zeros = power_zero_words(base, level.output_words);
         // The fraction of the level's largest node, without the words that only reach the integer part. The
         // product is longer, but what wraps around falls on words that no half needs.
-        construct_transform(level.parameters,
-                            fraction_words(j, std::min(2 * level.output_words, m_)) - level.power_zeros);
+        const std::uint64_t words =
+            fraction_words(j, std::min(2 * level.output_words, m_)) - level.power_zeros;
+        construct_transform(level.parameters, words);
+        level.schoolbook = words <= longest_schoolbook_convolution;
     }
 }
 
@@ -52,11 +59,23 @@ std::uint64_t ConvertPlanP::exact_product_words(int j) const {
     return 2 * align8(level(j).convolution_words());
 }
 
+std::uint64_t ConvertPlanP::level_table_words(int j) const {
+    const Level& level = this->level(j);
+    return align8(level.schoolbook ? power_words(base_, level.output_words)
+                                   : level.parameters->operand_words);
+}
+
+std::uint64_t ConvertPlanP::whole_product_words(int j) const {
+    return align8(level(j).convolution_words() + power_words(base_, level(j).output_words));
+}
+
 std::uint64_t ConvertPlanP::node_scratch_words(int j, std::uint64_t tasks) const {
     if (j < 0) return 0;
     const TransformParameters& parameters = *level(j).parameters;
     const std::uint64_t product =
-        align8(parameters.operand_words) + exact_product_words(j) + align8(parameters.scratch_words);
+        level(j).schoolbook
+            ? whole_product_words(j)
+            : align8(parameters.operand_words) + exact_product_words(j) + align8(parameters.scratch_words);
     const std::uint64_t halves =
         tasks > 1 && j >= parallel_level_
             ? node_scratch_words(j - 1, tasks / 2) + node_scratch_words(j - 1, tasks - tasks / 2)
@@ -66,7 +85,7 @@ std::uint64_t ConvertPlanP::node_scratch_words(int j, std::uint64_t tasks) const
 
 std::uint64_t ConvertPlanP::table_words() const {
     std::uint64_t words = 0;
-    for (int j = 0; j < levels_; ++j) words += align8(level(j).parameters->operand_words);
+    for (int j = 0; j < levels_; ++j) words += level_table_words(j);
     return words;
 }
 
@@ -82,40 +101,50 @@ std::uint64_t ConvertPlanP::power_buffer_capacity() const {
     return align8(words);
 }
 
-// Of the square of a level's power.
-std::uint64_t ConvertPlanP::square_scratch_words(int j, std::uint64_t tasks) const {
-    return align8(scratch_words_for(2 * power_words(base_, level(j).output_words), tasks));
-}
-
 std::uint64_t ConvertPlanP::population_scratch_words() const {
     if (levels_ == 0) return 0;
-    std::uint64_t transform = 0;
-    std::uint64_t square = 0;
+    std::uint64_t words = 0;
     for (int j = 0; j < levels_; ++j) {
-        transform = std::max(transform, align8(level(j).parameters->scratch_words));
-        if (j + 1 < levels_) {
-            square = std::max(square, square_scratch_words(j, tasks_));
-        }
+        if (level(j).schoolbook) continue;
+        const TransformParameters& parameters = *level(j).parameters;
+        const std::uint64_t space = j + 1 < levels_ ? align8(parameters.operand_words) : 0;
+        words = std::max(words, space + align8(parameters.scratch_words));
     }
-    return 2 * power_buffer_capacity() + transform + square;
+    return 2 * power_buffer_capacity() + words;
 }
 
-void ConvertPlanP::transform_power(const MultiplyContext& context, int j, const RadixPower& power,
-                                   Word* transformed) {
-    if (transformed_ != j) console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
+void ConvertPlanP::take_power(int j, const RadixPower& power, Word* table) {
+    if (taken_.exchange(j + 1) != j) {
+        console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
+    }
     Level& level = table_[static_cast<std::size_t>(j)];
     level.power_length = power.length;
-    level.parameters->forward(context, transformed, power.words, power.length);
-    level.transformed = transformed;
-    transformed_ = j + 1;
+    level.table = table;
 }
 
-RadixPower ConvertPlanP::next_power(const MultiplyContext& context, int j, const RadixPower& power,
-                                    Word* destination) {
-    if (formed_ != j + 1) console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
-    const RadixPower next = square(context, destination, power);
-    formed_ = j + 2;
-    return next;
+void ConvertPlanP::fill_table(const MultiplyContext& context, int j, const RadixPower& power) {
+    const Level& level = this->level(j);
+    if (level.schoolbook) {
+        std::copy_n(power.words, power.length, level.table);
+    } else {
+        level.parameters->forward(context, level.table, power.words, power.length);
+    }
+}
+
+RadixPower ConvertPlanP::fill_table_and_square(const MultiplyContext& context, int j, const RadixPower& power,
+                                               Word* destination) {
+    const Level& level = this->level(j);
+    if (level.schoolbook) {
+        fill_table(context, j, power);
+        mulB(destination, power.words, power.length, power.words, power.length);
+    } else {
+        // The square is shorter than the level's convolution, so that one transform serves for both.
+        const TransformParameters& parameters = *level.parameters;
+        const MultiplyContext rest = context.after(parameters.operand_words, populate_name);
+        const OperandState state = parameters.begin_forward(rest, level.table, power.words, power.length);
+        parameters.finish_square(rest, context.scratch, level.table, state, destination, 0, 2 * power.length);
+    }
+    return stripped(destination, 2 * power.length, 2 * power.zeros);
 }
 
 void ConvertPlanP::populate_fft_plans(const MultiplyContext& context, Word* tables) {
@@ -125,30 +154,18 @@ void ConvertPlanP::populate_fft_plans(const MultiplyContext& context, Word* tabl
     Word* other = buffer + capacity;
     const MultiplyContext rest = context.after(2 * capacity, populate_name);
     RadixPower power = form_power_basecase(base_, leaf_, buffer, other);
-    if (formed_.exchange(1) != 0) {
-        console::fatal_error("ConvertPlanP::populate_fft_plans(): Thread Inconsistancy");
-    }
     for (int j = 0; j < levels_; ++j) {
-        // The buffer that does not hold the power.
-        Word* destination = power.words >= other && power.words < other + capacity ? buffer : other;
-        const bool last = j + 1 == levels_;
-        RadixPower next{};
-        // The transform of this power and the square that is the next one do not wait for each other.
-        if (context.tds > 1 && !last && j >= parallel_level_) {
-            // With several tasks both take what scratch they are given, so each has a part of its own.
-            const std::uint64_t half = context.tds / 2;
-            const std::uint64_t square_words = square_scratch_words(j, context.tds - half);
-            MultiplyContext square_part = rest.with_tasks(context.tds - half);
-            square_part.scratch_words = square_words;
-            const MultiplyContext transform_part = rest.after(square_words, populate_name).with_tasks(half);
-            context.run_pair([&] { transform_power(transform_part, j, power, tables); },
-                             [&] { next = next_power(square_part, j, power, destination); });
+        // Short transforms are not worth a second thread.
+        const MultiplyContext level_context = j >= parallel_level_ ? rest : rest.with_tasks(1);
+        take_power(j, power, tables);
+        tables += level_table_words(j);
+        if (j + 1 == levels_) {
+            fill_table(level_context, j, power);
         } else {
-            transform_power(rest, j, power, tables);
-            if (!last) next = next_power(rest, j, power, destination);
+            // The buffer that does not hold the power.
+            Word* destination = power.words >= other && power.words < other + capacity ? buffer : other;
+            power = fill_table_and_square(level_context, j, power, destination);
         }
-        tables += align8(level(j).parameters->operand_words);
-        power = next;
     }
 }
 

@@ -38,10 +38,12 @@ class ConvertPlanP {
 
     // One level of the recursion.
     struct Level {
-        std::uint64_t output_words = 0;     // leaf 2^j: the digit words of its power
-        std::uint64_t power_length = 0;     // words of the power without its low zero words
-        std::uint64_t power_zeros = 0;      // and the number of those
-        const Word* transformed = nullptr;  // the power, transformed
+        std::uint64_t output_words = 0;  // leaf 2^j: the digit words of its power
+        std::uint64_t power_length = 0;  // words of the power without its low zero words
+        std::uint64_t power_zeros = 0;   // and the number of those
+        // Its products are formed whole, from the power's words: the shortest levels.
+        bool schoolbook = false;
+        Word* table = nullptr;  // the power, transformed or as it is; only read
         TransformParametersBox parameters;
 
         std::uint64_t convolution_words() const { return parameters->convolution_words(); }
@@ -66,6 +68,10 @@ class ConvertPlanP {
     std::uint64_t fraction_words() const { return fraction_words(levels_ - 1, m_); }
     // Words of the low half's fraction at a node of level j, with room for the product's check words.
     std::uint64_t low_fraction_words(int j) const;
+    // Words of a level's table.
+    std::uint64_t level_table_words(int j) const;
+    // Scratch words of a node's product at a schoolbook level.
+    std::uint64_t whole_product_words(int j) const;
     // Scratch words of a node's product besides the transform's own: see exact_fractional_product().
     std::uint64_t exact_product_words(int j) const;
     // Scratch words of a node of level j, or of any below, with this many tasks.
@@ -80,11 +86,12 @@ class ConvertPlanP {
     void populate_fft_plans(const MultiplyContext& context, Word* tables);
 
   private:
-    std::uint64_t square_scratch_words(int j, std::uint64_t tasks) const;
     std::uint64_t population_scratch_words() const;
     std::uint64_t power_buffer_capacity() const;
-    void transform_power(const MultiplyContext& context, int j, const RadixPower& power, Word* transformed);
-    RadixPower next_power(const MultiplyContext& context, int j, const RadixPower& power, Word* destination);
+    void take_power(int j, const RadixPower& power, Word* table);
+    void fill_table(const MultiplyContext& context, int j, const RadixPower& power);
+    RadixPower fill_table_and_square(const MultiplyContext& context, int j, const RadixPower& power,
+                                     Word* destination);
 
     Word base_;
     double base_bits_ = 0;
@@ -95,9 +102,9 @@ class ConvertPlanP {
     std::uint64_t leaf_ = 0;
     int parallel_level_ = 0;
     std::array<Level, 48> table_;
-    // How far the population is: the tasks that form and transform the powers check each other by it.
-    std::atomic<int> formed_{0};
-    std::atomic<int> transformed_{0};
+    // Levels whose table is filled, or about to be. Whoever fills one finds the one below done, and nobody
+    // else at it.
+    std::atomic<int> taken_{0};
 };
 
 }  // namespace qmp

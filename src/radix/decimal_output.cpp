@@ -68,7 +68,7 @@ class DecimalDriver {
         }
         const ScopedLabel label(context_.progress, "Converting...  ", 'w');
         const auto run = context_.parallel.tds > 1 ? qmq_CBRv2_ci_btrf_T : convert_L;
-        return run(plan, multiply, words_.data() + m_, m_, f.words, f.length, context_.progress);
+        return run(plan, multiply, words_.data() + m_, m_, f.words, f.length, context_.progress, &hooks_);
     }
 
     DigitOutput write(DigitSink& sink) const {

@@ -13,9 +13,8 @@ namespace qmp {
 
 // Called with the results of the steps that are repeated when they fail, and the number of the attempt, from
 // 0.
-class DecimalOutputHooks {
+class DecimalOutputHooks : public ConvertHooks {
   public:
-    virtual ~DecimalOutputHooks() = default;
     virtual void converted(std::uint64_t, ConvertResult&, Word* /*digits*/, std::uint64_t /*m*/) {}
     virtual void powered(std::uint64_t, RadixPower&) {}
     virtual void hashed_binary(std::uint64_t, std::uint64_t& /*hash*/) {}

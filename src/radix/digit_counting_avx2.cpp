@@ -1,6 +1,7 @@
 // Counting with 256-bit vectors.
 #include <immintrin.h>
 
+#include "multiply/vectors/inline.h"
 #include "radix/digit_counting_kernel.h"
 #include "radix/digit_counting_levels.h"
 
@@ -10,12 +11,14 @@ struct Bytes256 {
     using Vector = __m256i;
     static constexpr std::uint64_t bytes = 32;
 
-    static Vector zero() { return _mm256_setzero_si256(); }
-    static Vector all(int v) { return _mm256_set1_epi8(static_cast<char>(v)); }
-    static Vector load(const char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-    static Vector equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
-    static Vector subtract(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
-    static std::uint64_t sum(Vector v) {
+    static KERNEL_INLINE Vector zero() { return _mm256_setzero_si256(); }
+    static KERNEL_INLINE Vector all(int v) { return _mm256_set1_epi8(static_cast<char>(v)); }
+    static KERNEL_INLINE Vector load(const char* p) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+    }
+    static KERNEL_INLINE Vector equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
+    static KERNEL_INLINE Vector subtract(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
+    static KERNEL_INLINE std::uint64_t sum(Vector v) {
         const __m256i sums = _mm256_sad_epu8(v, zero());
         const __m128i halves = _mm_add_epi64(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
         return static_cast<std::uint64_t>(_mm_cvtsi128_si64(halves)) +

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "multiply/basecase/schoolbook.h"
 #include "multiply/basecase/word_kernels.h"
 
 namespace qmp {
@@ -39,6 +40,15 @@ bool carry_may_have_passed(const Word* check_words, std::uint64_t n) {
     return all(0) || all(~Word{0});
 }
 
+FractionView whole_product(const ConvertPlanP& plan, int j, const MultiplyContext& context, Word* low,
+                           const Window& window, FractionView f) {
+    const ConvertPlanP::Level& level = plan.level(j);
+    context.after(plan.whole_product_words(j), function);
+    mulB(context.scratch, f.words, window.end, level.table, level.power_length);
+    std::copy(context.scratch + window.first, context.scratch + window.end, low);
+    return {low, window.words()};
+}
+
 }  // namespace
 
 FractionView exact_fractional_product(const ConvertPlanP& plan, int j, const MultiplyContext& context,
@@ -48,6 +58,7 @@ FractionView exact_fractional_product(const ConvertPlanP& plan, int j, const Mul
     f = without_low_zeros(f);
     const Window window(level, f, wanted);
     if (window.end == 0) return {low, 0};
+    if (level.schoolbook) return whole_product(plan, j, context, low, window, f);
     Word* operand = context.scratch;
     const MultiplyContext behind_operand = context.after(parameters.operand_words, function);
     Word* sum = behind_operand.scratch;
@@ -60,7 +71,7 @@ FractionView exact_fractional_product(const ConvertPlanP& plan, int j, const Mul
         const std::uint64_t length = std::min(step, window.end - at);
         const std::uint64_t words = std::min(length + level.power_length, window.end - at);
         parameters.forward(rest, operand, f.words + at, length);
-        parameters.inverse_multiply(rest, operand, level.transformed, part, 0, words);
+        parameters.inverse_multiply(rest, operand, level.table, part, 0, words);
         // What passes the end belongs to the integer part.
         add_carry(sum + at + words, window.end - at - words, add_words(sum + at, sum + at, part, words));
     }
@@ -75,6 +86,7 @@ FractionView fractional_product(const ConvertPlanP& plan, int j, const MultiplyC
     f = without_low_zeros(f);
     const Window window(level, f, wanted);
     if (window.end == 0) return {low, 0};
+    if (level.schoolbook) return whole_product(plan, j, context, low, window, f);
     // The words of f above the window's end meet no word of the power that brings them below the point.
     const std::uint64_t product_words = window.end + level.power_length;
     const std::uint64_t convolution = level.convolution_words();
@@ -84,7 +96,7 @@ FractionView fractional_product(const ConvertPlanP& plan, int j, const MultiplyC
     Word* operand = context.scratch;
     const MultiplyContext rest = context.after(parameters.operand_words, function);
     parameters.forward(rest, operand, f.words, window.end);
-    parameters.inverse_multiply(rest, operand, level.transformed, low, window.first - checks, window.end);
+    parameters.inverse_multiply(rest, operand, level.table, low, window.first - checks, window.end);
     if (wrapped && carry_may_have_passed(low, checks)) {
         return exact_fractional_product(plan, j, context, low, wanted, f);
     }

@@ -20,6 +20,16 @@ struct ConvertResult {
 
 constexpr std::uint32_t overlap_mismatch = 0x10000002;
 
+// A place to see two converted halves before they are joined, and to interfere, so that tests can show what
+// comes of halves that do not fit. `top` is one past the most significant of the high half's s words. Called
+// on whatever thread joins them.
+class ConvertHooks {
+  public:
+    virtual ~ConvertHooks() = default;
+    virtual void halves(Word* /*top*/, std::uint64_t /*s*/, std::uint64_t /*low_m*/, ConvertResult& /*high*/,
+                        ConvertResult& /*low*/) {}
+};
+
 // `top` is one past the most significant of s + low_m digit words in base B: the high half's s words, then
 // the low half's. `high_guard` is the high half's guard word, which announces the low half's top word t;
 // `low_guard` is changed where a carry passes through it. False when the halves do not fit.

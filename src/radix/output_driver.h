@@ -14,9 +14,9 @@ namespace qmp {
 
 // What the digits that were written look like.
 struct DigitOutput {
-    std::uint64_t digits = 0;             // fractional digits written
-    std::uint64_t hash = 0;               // Floor(x radix^digits) mod (2^61 - 1)
-    std::string last_digits;              // the last (at most 100) of them, as characters
+    std::uint64_t digits = 0;                // fractional digits written
+    std::uint64_t hash = 0;                  // Floor(x radix^digits) mod (2^61 - 1)
+    std::string last_digits;                 // the last (at most 100) of them, as characters
     std::array<std::uint64_t, 16> counts{};  // how often each digit occurs among them
 };
 
@@ -28,7 +28,8 @@ using OpenSink = std::function<std::unique_ptr<DigitSink>(const std::string& fir
 // Converts x (0 <= x < 2^64) to decimal, writes `digits` fractional digits and verifies the conversion with
 // the hash of both radices. Steps: "Base Converting:", "Writing Decimal Digits:   ",
 // "Verifying Base Conversion...". Fatal when the verification fails twice, or x is out of range.
-DigitOutput write_decimal(const ComputeContext& context, BigFloatView x, std::uint64_t digits, const OpenSink& open);
+DigitOutput write_decimal(const ComputeContext& context, BigFloatView x, std::uint64_t digits,
+                          const OpenSink& open);
 
 // Writes `digits` hexadecimal digits straight from the words. Step: "Writing Hexadecimal Digits:".
 DigitOutput write_hexadecimal(const ComputeContext& context, BigFloatView x, std::uint64_t digits,

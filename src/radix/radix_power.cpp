@@ -16,16 +16,6 @@ std::uint64_t words_of(double bits) {
     return static_cast<std::uint64_t>(bits * (1 + 1e-13) / 64 + 1e-6) + 1;
 }
 
-RadixPower stripped(Word* words, std::uint64_t length, std::uint64_t zeros) {
-    if (words[length - 1] == 0) --length;  // a product may be one word short of its factors' lengths
-    while (*words == 0) {
-        ++words;
-        --length;
-        ++zeros;
-    }
-    return {words, length, zeros};
-}
-
 // The exponent's bits below its top one, from the top down: square(), then one more factor for a one.
 template <typename Square>
 RadixPower exponentiate(ParallelContext parallel, Word base, std::uint64_t exponent, Word* buffer,
@@ -70,6 +60,16 @@ std::uint64_t power_zero_words(Word base, std::uint64_t exponent) {
 std::uint64_t power_buffer_words(Word base, std::uint64_t exponent) {
     // The square of what was before, and the top word of a product with one more digit.
     return 2 * power_words(base, exponent / 2) + 2;
+}
+
+RadixPower stripped(Word* words, std::uint64_t length, std::uint64_t zeros) {
+    if (words[length - 1] == 0) --length;  // a product may be one word short of its factors' lengths
+    while (*words == 0) {
+        ++words;
+        --length;
+        ++zeros;
+    }
+    return {words, length, zeros};
 }
 
 RadixPower square(const MultiplyContext& context, Word* destination, const RadixPower& p) {

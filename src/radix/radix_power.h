@@ -32,6 +32,9 @@ std::uint64_t power_zero_words(Word base, std::uint64_t exponent);
 // Capacity in words that each buffer needs while base^exponent is formed.
 std::uint64_t power_buffer_words(Word base, std::uint64_t exponent);
 
+// The product words[0 .. length) * 2^(64 zeros), not zero, as a power: without a leading zero word and the
+// low ones.
+RadixPower stripped(Word* words, std::uint64_t length, std::uint64_t zeros);
 // The square of p, in `destination` (2 p.length words), by a product of that size.
 RadixPower square(const MultiplyContext& context, Word* destination, const RadixPower& p);
 // p times one word, in place; needs one word more.

@@ -3,12 +3,33 @@
 #include <algorithm>
 
 #include "series/exact_sum.h"
+#include "series/short_merge.h"
 #include "series/transform_pair.h"
 
 namespace qmp {
 
+namespace {
+
+bool is_short_merge(const BSS_P2B3_Type0::Buffers& left, const BSS_P2B3_Type0::Buffers& right) {
+    return is_short_product(left[2].L, std::max(right[0].L, right[2].L)) &&
+           is_short_product(right[1].L, std::max(left[0].L, left[1].L));
+}
+
+void merge_short(BSS_P2B3_Type0::Buffers& whole, const BSS_P2B3_Type0::Buffers& right, bool subtract) {
+    auto& [P, Q, R, T] = whole;
+    set_short_product(T, R, right[0]);
+    multiply_short_in_place(R, right[2]);
+    R.strip_low_zero_words();
+    multiply_short_and_add(P, right[1], T, subtract);
+    multiply_short_in_place(Q, right[1]);
+    Q.strip_low_zero_words();
+}
+
+}  // namespace
+
 void BSS_P2B3_Type0::merge(const MultiplyContext& context, Buffers& whole, const Buffers& right,
                            bool subtract) {
+    if (is_short_merge(whole, right)) return merge_short(whole, right, subtract);
     auto& [P, Q, R, T] = whole;
     const ExactFloatView P1 = right[0];
     const ExactFloatView Q1 = right[1];

@@ -1,8 +1,9 @@
 // Integers of a few words whose number is known when the program is compiled: the arithmetic of leaf ranges.
 //
-// Straight-line code: no lengths, no trimming, no loops at run time. An integer is an array of its width in
-// words, little-endian; its top words may be zero. Widths come from bounds on the values, so a product may be
-// narrower than its operands together and still be whole.
+// Straight-line code without assembly, which would gain 8 % of a leaf, 1 % of the ranges around it: no
+// lengths, no trimming, no loops at run time. An integer is an array of its width in words, little-endian;
+// its top words may be zero. Widths come from bounds on the values, so a product may be narrower than its
+// operands together and still be whole.
 #pragma once
 
 #include <algorithm>
@@ -32,16 +33,11 @@ template <int Words>
         c.low = low_word(sum);
         c.middle = high_word(sum);
     } else {
-        // The compiler would take the carries through registers of their own, in twice the instructions.
-        Word high;
-        asm("mulq %[b]\n\t"
-            "addq %[a], %[low]\n\t"
-            "adcq %[high], %[middle]\n\t"
-            "adcq $0, %[top]"
-            : [a] "+&a"(a), [high] "=&d"(high), [low] "+&r"(c.low), [middle] "+&r"(c.middle),
-              [top] "+&r"(c.high)
-            : [b] "rm"(b)
-            : "cc");
+        const DoubleWord product = static_cast<DoubleWord>(a) * b;
+        const DoubleWord sum = product + (static_cast<DoubleWord>(c.middle) << 64 | c.low);
+        c.low = low_word(sum);
+        c.middle = high_word(sum);
+        c.high += sum < product;
     }
 }
 
@@ -72,10 +68,10 @@ template <int Width, int La, int Lb, int K>
     }
 }
 
-// Products of up to this many pairs of words stand where they are used: a call would cost as much.
-constexpr int largest_inline_product = 24;
-// From this many pairs of words on the kernels that run in loops are faster: straight-line code of that size
-// no longer stays in the processor's instruction caches.
+// Products of up to this many pairs of words stand where they are used.
+constexpr int largest_inline_product = 9;
+// From this many pairs of words on the kernels that run in loops are as fast, and they do not crowd the
+// instruction cache: at 196 pairs straight-line code takes more than twice their time.
 constexpr int smallest_looped_product = 64;
 
 template <int Width, int La, int Lb>
@@ -105,31 +101,29 @@ template <int Width, int La, int Lb>
     }
 }
 
-// One chain of carries through all words, which the compiler does not make of additions.
-#define QMP_CARRY_CHAIN(operation)                                                                    \
-    asm("xorl %k[word], %k[word]\n\t"                                                                 \
-        ".set qmp_word, 0\n\t"                                                                        \
-        ".rept %c[width]\n\t"                                                                         \
-        "movq 8*qmp_word(%[b]), %[word]\n\t" operation                                                \
-        " %[word], 8*qmp_word(%[a])\n\t"                                                              \
-        ".set qmp_word, qmp_word+1\n\t"                                                               \
-        ".endr"                                                                                       \
-        : [word] "=&r"(word), "+m"(*reinterpret_cast<Word(*)[Width]>(a))                              \
-        : [a] "r"(a), [b] "r"(b), [width] "i"(Width), "m"(*reinterpret_cast<const Word(*)[Width]>(b)) \
-        : "cc")
+// Words I to Width - 1 of a sum or a difference.
+template <int I, int Width, bool Subtract>
+[[gnu::always_inline]] inline void combine(Word* a, const Word* b, bool carry) {
+    Word sum;
+    bool over;
+    if constexpr (Subtract) {
+        over = __builtin_sub_overflow(a[I], b[I], &sum);
+        over |= __builtin_sub_overflow(sum, Word{carry}, &a[I]);
+    } else {
+        over = __builtin_add_overflow(a[I], b[I], &sum);
+        over |= __builtin_add_overflow(sum, Word{carry}, &a[I]);
+    }
+    if constexpr (I + 1 < Width) combine<I + 1, Width, Subtract>(a, b, over);
+}
 
 // a[0 .. Width) += b or -= b. The result is neither negative nor wider.
 template <int Width>
 [[gnu::always_inline]] inline void add(Word* a, const Word* b) {
-    Word word;
-    QMP_CARRY_CHAIN("adcq");
+    combine<0, Width, false>(a, b, false);
 }
 template <int Width>
 [[gnu::always_inline]] inline void subtract(Word* a, const Word* b) {
-    Word word;
-    QMP_CARRY_CHAIN("sbbq");
+    combine<0, Width, true>(a, b, false);
 }
-
-#undef QMP_CARRY_CHAIN
 
 }  // namespace qmp::leaf

@@ -6,7 +6,6 @@
 #include <cstdint>
 
 #include "multiply/multiply_context.h"
-#include "numbers/basic_int.h"
 #include "numbers/exact_float.h"
 #include "series/binary_splitting_series.h"
 
@@ -33,10 +32,5 @@ class Series_e_Taylor final : public BinarySplittingSeries {
     // P = P0 Q1 +- P1, Q = Q0 Q1; buffers as in BSS_P2B3_Type0::merge.
     static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool subtract);
 };
-
-// The kernels for the terms of exp(1) and exp(-1): 2 <= b - a; one word of P and of Q per term
-// (BufferTooSmallException in the kernel's name).
-void E_TaylorN_BSR_End_PQ1(BasicInt& P, BasicInt& Q, std::uint64_t a, std::uint64_t b);
-void E_TaylorA_BSR_End_PQ1(BasicInt& P, BasicInt& Q, std::uint64_t a, std::uint64_t b);
 
 }  // namespace qmp

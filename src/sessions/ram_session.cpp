@@ -37,8 +37,10 @@ struct RamSession::Memory {
 };
 
 std::uint64_t RamSession::working_size(const RamComputation& computation) const {
-    return std::max(computation.working_bytes(),
-                    qmp::decimal_output_bytes(settings_.decimal_digits(), settings_.task_decomposition()));
+    const std::uint64_t tasks = settings_.task_decomposition();
+    const std::uint64_t hexadecimal = settings_.hexadecimal_digits();
+    return std::max({computation.working_bytes(), qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
+                     hexadecimal > 0 ? qmp::hexadecimal_output_bytes(hexadecimal, tasks) : 0});
 }
 
 void RamSession::warn_if_memory_is_short(std::uint64_t bytes) const {

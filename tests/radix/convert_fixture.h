@@ -79,7 +79,8 @@ class PlannedConversion {
         std::vector<qmp::Word> digits(m + 2, garbage);
         fill_garbage(scratch_.data(), scratch_.words());
         const auto run = sequential ? qmp::convert_L : qmp::qmq_CBRv2_ci_btrf_T;
-        result = run(plan, context(), digits.data() + m + 1, m, fraction.data(), fraction.size(), progress);
+        result = run(plan, context(), digits.data() + m + 1, m, fraction.data(), fraction.size(), progress,
+                     nullptr);
         scratch_.check();
         EXPECT_EQ(digits.back(), garbage);
         EXPECT_EQ(digits.front(), garbage);

@@ -140,6 +140,9 @@ TEST(ConvertPlan, KeptWordsLieAboveWrappedAndTruncatedOnes) {
                     const std::uint64_t power = power_whole_words(b, s) - zeros;
                     ASSERT_LE(plan.fraction_words(j, node) - zeros, plan.level(j).convolution_words());
                     ASSERT_LE(power + kept + 1, plan.level(j).convolution_words()) << m << " " << j;
+                    if (j + 1 < plan.levels()) {
+                        ASSERT_LE(2 * power, plan.level(j).convolution_words()) << m << " " << j;
+                    }
                 }
             }
         }

@@ -3,36 +3,16 @@
 
 #include "constants/pi_formulas.h"
 #include "errors/exception.h"
-#include "series/series_e_taylor.h"
+#include "series/leaf_e_taylor.h"
+#include "series/leaf_slots.h"
 #include "series/test_series.h"
 
 namespace qmp {
 namespace {
 
-using kelvara_test::fill_garbage;
-
-// A garbage-filled integer of a given capacity, with a guard word behind it.
-struct Slot {
-    explicit Slot(std::uint64_t capacity) : words(capacity + 1) {
-        fill_garbage(words.data(), words.size());
-        value = BasicInt(words.data(), capacity);
-    }
-    ~Slot() { EXPECT_EQ(words.back(), kelvara_test::garbage); }
-    std::vector<Word> words;
-    BasicInt value;
-};
-
-void expect_word(const BasicInt& x, Word w) {
-    ASSERT_EQ(x.L, 1u);
-    EXPECT_EQ(x.T[0], w);
-    EXPECT_EQ(x.hash, check_reduce(w));
-}
-
-void expect_sound(const BasicInt& x) {
-    ASSERT_GT(x.L, 0u);
-    EXPECT_NE(x.T[x.L - 1], 0u);
-    EXPECT_EQ(x.hash, hash_words(0, binary_word_radix, x.T, x.L));
-}
+using kelvara_test::expect_sound;
+using kelvara_test::expect_word;
+using kelvara_test::Slot;
 
 TEST(PiKernels, ChudnovskyAtOne) {
     Slot P(5), Q(4), R(3);

@@ -15,3 +15,11 @@
 #define KERNEL_PRAGMA(Text) _Pragma(#Text)
 #define KERNEL_UNROLL(Count) KERNEL_PRAGMA(GCC unroll Count)
 #endif
+
+// A function that is compiled for itself: in the midst of its callers, or with its parameters taken apart, its
+// loops would get fewer registers.
+#if defined(__clang__)
+#define KERNEL_FUNCTION __attribute__((noinline))
+#else
+#define KERNEL_FUNCTION __attribute__((noipa))
+#endif

@@ -17,8 +17,9 @@ int row_layers_of(std::uint32_t exponent) {
 
 constexpr std::uint64_t row_padding = 8;
 constexpr std::uint64_t most_workspaces = 64;
-// Residues that one task should have at least: waking a thread for each sweep takes some 30 microseconds.
-constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 16;
+// Residues that one task should have at least: some 20 microseconds of a sweep, the time in which a thread that
+// has gone to sleep is woken. One that waits awake starts at once.
+constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 14;
 
 std::uint64_t rounded_up(std::uint64_t n) {
     return (n + 7) / 8 * 8;

@@ -60,26 +60,40 @@ std::array<std::uint64_t, leaf_points / 2> mirrored_roots(const std::uint64_t* r
 
 struct LeafFactors {
     alignas(64) double nodes[leaf_points / 2];
-    alignas(64) double lanes[leaf_points];
+    alignas(64) double lanes[2 * leaf_points];
 };
 
-void build(LeafFactors& factors, const std::uint64_t* roots, std::uint64_t p, int log_lanes) {
-    const auto t = mirrored_roots(roots, p);
-    factors.nodes[0] = 0;
-    for (std::size_t size = 1; size < leaf_points / 2; size *= 2) {
-        for (std::size_t b = 0; b < size; ++b) factors.nodes[size + b] = balanced(t[b], p);
-    }
+// The twists: record g has for k = 1 .. lanes - 1 the values e(f(b) k / lanes) of the chunks b = lanes g + i,
+// then their quotients.
+void build_twists(double* next, const std::uint64_t* roots, const Prime& prime, int log_lanes) {
+    const std::uint64_t p = prime.value;
     const std::size_t lanes = std::size_t{1} << log_lanes;
-    double* next = factors.lanes;
-    for (std::size_t group = 0; group < leaf_points / lanes / lanes; ++group) {
-        for (std::size_t s = 1; s < lanes; s *= 2) {
-            for (std::size_t h = 0; h < s; ++h) {
-                for (std::size_t i = 0; i < lanes; ++i) {
-                    *next++ = balanced(t[s * (lanes * group + i) + h], p);
-                }
+    for (std::size_t first = 0; first < leaf_points / lanes; first += lanes) {
+        for (std::size_t i = 0; i < lanes; ++i) {
+            // Bit j of b contributes e(2^-(j + 1) / lanes).
+            std::uint64_t root = 1;
+            for (int j = 0; (first + i) >> j != 0; ++j) {
+                if ((first + i) >> j & 1) root = multiply_modulo(root, roots[j + 1 + log_lanes], p);
+            }
+            std::uint64_t power = 1;
+            for (std::size_t k = 1; k < lanes; ++k) {
+                power = multiply_modulo(power, root, p);
+                double* record = next + (k - 1) * 2 * lanes;
+                record[i] = balanced(power, p);
+                record[lanes + i] = record[i] / static_cast<double>(p);
             }
         }
+        next += (lanes - 1) * 2 * lanes;
     }
+}
+
+void build(LeafFactors& factors, const std::uint64_t* roots, const Prime& prime, int log_lanes) {
+    const auto t = mirrored_roots(roots, prime.value);
+    factors.nodes[0] = 0;
+    for (std::size_t size = 1; size < leaf_points / 2; size *= 2) {
+        for (std::size_t b = 0; b < size; ++b) factors.nodes[size + b] = balanced(t[b], prime.value);
+    }
+    build_twists(factors.lanes, roots, prime, log_lanes);
 }
 
 template <std::uint32_t Multiplier>
@@ -105,9 +119,9 @@ const LeafSet& leaf_set() {
     static const bool built = [] {
         for (std::uint32_t i = 0; i < most_primes; ++i) {
             const PrimeConstants& c = prime_constants(Multiplier, i);
-            const std::uint64_t p = prime_table[index_of(Multiplier)][i].value;
-            build(set[i][0], c.root, p, LogLanes);
-            build(set[i][1], c.inverse_root, p, LogLanes);
+            const Prime& prime = prime_table[index_of(Multiplier)][i];
+            build(set[i][0], c.root, prime, LogLanes);
+            build(set[i][1], c.inverse_root, prime, LogLanes);
         }
         return true;
     }();

@@ -1,6 +1,5 @@
 // The second sweep: row by row, the transform's last layers, the pointwise product, and the way back.
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "multiply/vst/merge_constants.h"
@@ -15,8 +14,8 @@ std::uint64_t residue(double x, std::uint64_t p) {
 
 }  // namespace
 
-// The factors of a group of rows, in one direction, and the numbers that make them.
-struct Transform::RowFactors {
+// The numbers that make a group of rows' factors, in one direction.
+struct Transform::LeafRoots {
     LeafBase base;
     double* table;   // of the leaf at work
     double* values;  // of the row's layers above its leaves, and
@@ -26,7 +25,7 @@ struct Transform::RowFactors {
     std::uint64_t count;  // of leaves, a multiple of 8
 
     // `next` is moved behind what is taken.
-    RowFactors(const Plan& plan, double*& next)
+    LeafRoots(const Plan& plan, double*& next)
         : count((plan.rows_of_group() * plan.leaves_of_row() + 7) / 8 * 8) {
         const std::uint64_t nodes = (plan.leaves_of_row() + 7) / 8 * 8;
         table = next;
@@ -53,10 +52,10 @@ struct Transform::RowFactors {
     }
     // Layer l's number of the leaf is powers[leaf] of squaring step (leaf layers - 1 - l).
     void make_table(const TransformKernels& kernels, const Plan& plan, const PrimeModulus& modulus,
-                    std::uint64_t leaf) {
+                    std::uint64_t leaf, double scale) {
         kernels.leaf_table(table, base, plan.leaf_layers,
                            powers + static_cast<std::uint64_t>(plan.leaf_layers - 1) * count + leaf,
-                           -static_cast<std::ptrdiff_t>(count), modulus);
+                           -static_cast<std::ptrdiff_t>(count), scale, modulus);
     }
     // The factors of the layers above the leaves. The row's angle is that of its first leaf.
     void make_row_factors(const Plan& plan, std::uint64_t p, std::uint64_t row) {
@@ -84,99 +83,68 @@ void Transform::rows(PrimeRange primes, double* a, double* b, RowWork work) cons
     });
 }
 
-// Rows come in pairs whose angles add up to the whole circle. Where the angles of two nodes do, so do those
-// of their children, crosswise, and e((1 - a) / 2) = -e(-a / 2). So a row goes down by the factors that its
-// mirror row goes back by, and the other way round: its points only come to lie in another order, which
-// nobody sees. That of angle 0 and that of 1/2 have no other one, and those of the negacyclic form are left
-// alone.
-std::uint64_t Transform::mirror_row(std::uint64_t row) const {
-    if (negacyclic_) return row;
-    const std::uint64_t subtree = row / plan_.subtree_rows(), node = row % plan_.subtree_rows();
-    if (subtree > 0) {
-        return (plan_.multiplier() - subtree) * plan_.subtree_rows() + (plan_.subtree_rows() - 1 - node);
-    }
-    // f(b) and 1 - f(b): all but the last bit that is set, which is the leading one of b.
-    return node == 0 ? row : node ^ (std::bit_floor(node) - 1);
-}
-
 void Transform::group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                               double* workspace) const {
-    const std::uint64_t first = group * plan_.rows_of_group();
-    const std::uint64_t row_count = std::min(plan_.rows_of_group(), plan_.rows - first);
-    const auto leads = [&](std::uint64_t row) { return mirror_row(row) >= row; };
-    std::uint64_t leading = first;
-    while (leading < first + row_count && !leads(leading)) ++leading;
-    if (leading == first + row_count) return;
-
+    const bool forward = work.transform_a || work.transform_b, inverse = work.multiply;
     const std::uint64_t p = prime_table[index_of(plan_.multiplier())][prime].value;
     const PrimeModulus& modulus = constants(prime).modulus;
-    RowFactors down(plan_, workspace), back(plan_, workspace);
-    const auto prepare = [&](RowFactors& factors, bool inverse) {
+    const std::uint64_t first = group * plan_.rows_of_group();
+    const std::uint64_t row_count = std::min(plan_.rows_of_group(), plan_.rows - first);
+    const std::uint64_t leaves = plan_.leaves_of_row(), leaf_points = std::uint64_t{1} << plan_.leaf_layers;
+
+    LeafRoots down(plan_, workspace), back(plan_, workspace);
+    down.base = leaf_base(plan_.multiplier(), prime, kernels_.log_lanes, false);
+    back.base = leaf_base(plan_.multiplier(), prime, kernels_.log_lanes, true);
+    const std::uint64_t leaf_numbers = plan_.leaf_roots_doubles() / (2 * plan_.primes());
+    const auto prepare = [&](LeafRoots& roots, bool back_way) {
         double row_roots[8];
-        for (std::uint64_t row = 0; row < row_count; ++row)
-            row_roots[row] = row_root(prime, first + row, inverse);
-        const std::uint64_t leaf_numbers = plan_.leaf_roots_doubles() / (2 * plan_.primes());
-        const std::uint64_t index = (inverse ? plan_.primes() : 0) + prime;
-        factors.base = leaf_base(plan_.multiplier(), prime, kernels_.log_lanes, inverse);
-        factors.prepare(kernels_, plan_, modulus, row_roots, row_count, leaf_roots_ + index * leaf_numbers);
+        for (std::uint64_t row = 0; row < row_count; ++row) {
+            row_roots[row] = row_root(prime, first + row, back_way);
+        }
+        const std::uint64_t index = (back_way ? plan_.primes() : 0) + prime;
+        roots.prepare(kernels_, plan_, modulus, row_roots, row_count, leaf_roots_ + index * leaf_numbers);
     };
-    prepare(down, false);
-    prepare(back, true);
+    if (forward) prepare(down, false);
+    if (inverse) prepare(back, true);
 
     // 1 / (points * P / p): the points' number divides p - 1.
     const ConversionConstants& conversion = conversion_constants(plan_.primes(), plan_.multiplier());
     const std::uint64_t scale =
         multiply_modulo(p - (p - 1) / plan_.size.points(), conversion.cofactor_inverse[prime], p);
     const double scale_value = balanced(scale, p);
-    const double scale_quotient = scale_value / static_cast<double>(p);
 
-    const bool forward = work.transform_a || work.transform_b;
-    const std::uint64_t leaf_points = std::uint64_t{1} << plan_.leaf_layers;
     const int row_layers = plan_.row_layers - plan_.leaf_layers;
-    const auto layers = [&](const RowFactors& factors) {
-        return Layers{leaf_points, row_layers, {factors.values, factors.quotients}, false};
-    };
-    const auto layers_down = [&](std::uint64_t row, const RowFactors& factors) {
-        if (work.transform_a)
-            kernels_.forward_layers(a + row * plan_.row_stride, layers(factors), modulus, false);
-        if (work.transform_b)
-            kernels_.forward_layers(b + row * plan_.row_stride, layers(factors), modulus, false);
-    };
-    const auto leaf_work = [&](std::uint64_t row, std::uint64_t leaf, const RowFactors& ahead,
-                               const RowFactors& behind) {
-        const std::uint64_t offset = row * plan_.row_stride + leaf * leaf_points;
-        double* leaf_a = a + offset;
-        double* leaf_b = b + offset;
-        if (work.transform_a) kernels_.leaf_forward(leaf_a, ahead.table, plan_.leaf_layers, modulus);
-        if (work.transform_b) kernels_.leaf_forward(leaf_b, ahead.table, plan_.leaf_layers, modulus);
-        if (!work.multiply) return;
-        if (work.square_b) std::copy_n(leaf_b, leaf_points, leaf_a);
-        kernels_.pointwise(leaf_a, leaf_b, leaf_points, scale_value, scale_quotient, modulus);
-        kernels_.leaf_inverse(leaf_a, behind.table, plan_.leaf_layers, modulus);
-    };
-
-    for (std::uint64_t row = leading; row < first + row_count; ++row) {
-        if (!leads(row)) continue;
-        const std::uint64_t mirror = mirror_row(row);
-        const bool paired = mirror != row;
-        // With a mirror row either table is needed whatever the work is.
-        const bool needs_down = forward || paired, needs_back = work.multiply || paired;
-        if (row_layers > 0) {
-            if (needs_down) down.make_row_factors(plan_, p, row - first);
-            if (needs_back) back.make_row_factors(plan_, p, row - first);
-            layers_down(row, down);
-            if (paired) layers_down(mirror, back);
+    const Layers layers_down{leaf_points, row_layers, {down.values, down.quotients}, false};
+    const Layers layers_back{leaf_points, row_layers, {back.values, back.quotients}, false};
+    for (std::uint64_t row = 0; row < row_count; ++row) {
+        const std::uint64_t offset = (first + row) * plan_.row_stride;
+        double* row_a = a + offset;
+        double* row_b = b + offset;
+        if (forward && row_layers > 0) {
+            down.make_row_factors(plan_, p, row);
+            if (work.transform_a) kernels_.forward_layers(row_a, layers_down, modulus, false);
+            if (work.transform_b) kernels_.forward_layers(row_b, layers_down, modulus, false);
         }
-        for (std::uint64_t leaf = 0; leaf < plan_.leaves_of_row(); ++leaf) {
-            const std::uint64_t index = (row - first) * plan_.leaves_of_row() + leaf;
-            if (needs_down) down.make_table(kernels_, plan_, modulus, index);
-            if (needs_back) back.make_table(kernels_, plan_, modulus, index);
-            leaf_work(row, leaf, down, back);
-            if (paired) leaf_work(mirror, leaf, back, down);
+        for (std::uint64_t leaf = 0; leaf < leaves; ++leaf) {
+            double* leaf_a = row_a + leaf * leaf_points;
+            double* leaf_b = row_b + leaf * leaf_points;
+            if (forward) {
+                down.make_table(kernels_, plan_, modulus, row * leaves + leaf, 1);
+                if (work.transform_a)
+                    kernels_.leaf_forward(leaf_a, down.table, down.base, plan_.leaf_layers, modulus);
+                if (work.transform_b)
+                    kernels_.leaf_forward(leaf_b, down.table, down.base, plan_.leaf_layers, modulus);
+            }
+            if (inverse) {
+                if (work.square_b) std::copy_n(leaf_b, leaf_points, leaf_a);
+                kernels_.pointwise(leaf_a, leaf_b, leaf_points, modulus);
+                back.make_table(kernels_, plan_, modulus, row * leaves + leaf, scale_value);
+                kernels_.leaf_inverse(leaf_a, back.table, back.base, plan_.leaf_layers, modulus);
+            }
         }
-        if (work.multiply && row_layers > 0) {
-            kernels_.inverse_layers(a + row * plan_.row_stride, layers(back), modulus);
-            if (paired) kernels_.inverse_layers(a + mirror * plan_.row_stride, layers(down), modulus);
+        if (inverse && row_layers > 0) {
+            back.make_row_factors(plan_, p, row);
+            kernels_.inverse_layers(row_a, layers_back, modulus);
         }
     }
 }

@@ -54,7 +54,7 @@ class Transform {
 
   private:
     struct Window;
-    struct RowFactors;
+    struct LeafRoots;
 
     // body(workspace, begin, end) for ranges of [0, units), each with a workspace of its own.
     template <typename Body>

@@ -23,8 +23,15 @@ struct ParallelContext {
         FunctionAction action(callable);
         parallelizer->run_in_parallel(action, start, end);
     }
+    // Two halves of a computation. Where no processor is idle the calling thread does both: more threads than
+    // processors would share the caches, and each would keep its own memory at work.
     template <typename A, typename B>
     void run_pair(A&& a, B&& b) const {
+        if (parallelizer->idle_processors() == 0) {
+            a();
+            b();
+            return;
+        }
         auto run_a = [&](std::uint64_t) { a(); };
         auto run_b = [&](std::uint64_t) { b(); };
         FunctionAction action_a(run_a);

@@ -90,55 +90,59 @@ class ForwardLayers {
     ForwardLayers(const qmp::vst::Layers& layers, const qmp::vst::PrimeModulus& modulus)
         : steps_{layers}, m_(modulus_of<V>(modulus)) {}
 
-    // Node b of layer l with all below it. `low`: the inputs are at most 2.8.
+    // Node b of layer l with all below it. `low`: the inputs are at most 3.
     void run(double* data, int l, std::uint64_t b, bool low) const {
         if (l == steps_.layers.layers) return;
         if (steps_.cached(l)) {
-            run_cached(data, l, b, low);
+            run_cached(data, l, b, 1, low);
             return;
         }
         const int bits = steps_.bits(l);
         step(data, l, bits, b, 1, low);
         const std::uint64_t part = steps_.part(l, bits);
         for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
-            run(data + i * part, l + bits, (b << bits) + i, low_after(l, low));
+            run(data + i * part, l + bits, (b << bits) + i, low_after(l, bits, low));
         }
     }
 
-  private:
-    bool low_after(int l, bool low) const { return !low && !steps_.trivial(l); }
+    // All nodes of layer l with all below them; the data stay in the nearest cache.
+    void run_below(double* data, int l, bool low) const {
+        run_cached(data, l, 0, std::uint64_t{1} << l, low);
+    }
 
-    void run_cached(double* data, int l, std::uint64_t first, bool low) const {
-        std::uint64_t count = 1;
+  private:
+    bool low_after(int l, int bits, bool low) const { return bits == 2 && !low && !steps_.trivial(l); }
+    // A single layer leaves it to the two that follow, where it takes half as many operations.
+    bool reduces(int l, int bits, bool low) const { return !low && (bits == 2 || steps_.last(l, bits)); }
+
+    void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count, bool low) const {
         while (l < steps_.layers.layers) {
             const int bits = steps_.bits(l);
             step(data, l, bits, first, count, low);
-            low = low_after(l, low);
+            low = low_after(l, bits, low);
             l += bits;
             first <<= bits;
             count <<= bits;
         }
     }
     void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count, bool low) const {
-        const std::uint64_t part = steps_.part(l, bits);
-        const qmp::vst::NodeFactors& factors = steps_.layers.factors;
+        const bool reduce = reduces(l, bits, low);
         if (steps_.trivial(l)) {
-            forward_trivial<V>(data, part, factors, m_);
-        } else if (steps_.goes_to_rows(l, bits)) {
-            const qmp::vst::MatrixRows& rows = steps_.layers.rows;
-            if (bits == 2) {
-                (low ? forward_pass_to<V, 2, false> : forward_pass_to<V, 2, true>)(rows, data, part, l, first,
-                                                                                   count, factors, m_);
-            } else {
-                (low ? forward_pass_to<V, 1, false> : forward_pass_to<V, 1, true>)(rows, data, part, l, first,
-                                                                                   count, factors, m_);
-            }
+            forward_trivial<V>(data, steps_.part(l, 2), steps_.layers.factors, m_);
         } else if (bits == 2) {
-            (low ? forward_pass<V, 2, false> : forward_pass<V, 2, true>)(data, part, l, first, count, factors,
-                                                                         m_);
+            reduce ? pass<2, true>(data, l, first, count) : pass<2, false>(data, l, first, count);
         } else {
-            (low ? forward_pass<V, 1, false> : forward_pass<V, 1, true>)(data, part, l, first, count, factors,
-                                                                         m_);
+            reduce ? pass<1, true>(data, l, first, count) : pass<1, false>(data, l, first, count);
+        }
+    }
+    template <int Log, bool Reduce>
+    void pass(double* data, int l, std::uint64_t first, std::uint64_t count) const {
+        const qmp::vst::Layers& layers = steps_.layers;
+        const std::uint64_t part = steps_.part(l, Log);
+        if (steps_.goes_to_rows(l, Log)) {
+            forward_pass_to<V, Log, Reduce>(layers.rows, data, part, l, first, count, layers.factors, m_);
+        } else {
+            forward_pass<V, Log, Reduce>(data, part, l, first, count, layers.factors, m_);
         }
     }
 
@@ -165,6 +169,8 @@ class InverseLayers {
         }
         step(data, l, bits, b, 1);
     }
+
+    void run_below(double* data, int l) const { run_cached(data, l, 0, std::uint64_t{1} << l); }
 
   private:
     void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count) const {

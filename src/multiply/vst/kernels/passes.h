@@ -1,283 +1,31 @@
-// Passes: one or two layers over all columns of some nodes.
-//
-// A pass takes its vectors from the data or from a matrix's rows, and leaves them in either. Two layers of
-// one column are a chain of 40 cycles of dependent operations. Processors look ahead no farther than some
-// hundred operations, two or three columns, and that leaves their units idle for a third of the time. So the
-// columns overlap: where there are registers enough, as a pipeline whose stages are a quarter of the chain
-// each, and elsewhere by walking over a few columns twice, a layer at a time.
+// Passes: one or two layers of all columns of some nodes.
 #pragma once
 
-#include "multiply/vst/kernels/radix.h"
-#include "multiply/vst/kernels/transform_kernels.h"
+#include "multiply/vst/kernels/columns.h"
 
 namespace {
 
+// How columns are walked over twice: so many of a node, and of so many nodes, that they stay in the nearest
+// cache from one walk to the next, and that the second one does not wait for the first one's last results.
 template <typename V>
-KERNEL_INLINE Modulus<V> modulus_of(const qmp::vst::PrimeModulus& modulus) {
-    return {V::set(modulus.prime), V::set(modulus.inverse)};
-}
+struct Walks {
+    std::uint64_t columns;  // in doubles
+    std::uint64_t nodes;
 
-template <typename V>
-KERNEL_INLINE Factor<V> broadcast(const qmp::vst::NodeFactors& factors, std::uint64_t index) {
-    return {V::set(factors.values[index]), V::set(factors.quotients[index])};
-}
-
-// The factors of two layers below node b of layer l.
-template <typename V>
-struct QuarterFactors {
-    Factor<V> top, left, right;
-
-    KERNEL_INLINE QuarterFactors(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b) {
-        const std::uint64_t index = (std::uint64_t{1} << l) + b;
-        top = broadcast<V>(factors, index);
-        left = broadcast<V>(factors, 2 * index);
-        right = broadcast<V>(factors, 2 * index + 1);
-    }
-    KERNEL_INLINE Factor<V> operator()(int layer, int node) const {
-        if (layer == 0) return top;
-        if (node == 0) return left;
-        return right;
+    explicit KERNEL_INLINE Walks(std::uint64_t part) {
+        constexpr std::uint64_t together = 32 * V::lanes;
+        columns = part < together ? part : together;
+        nodes = together / columns;
     }
 };
-
-template <typename V>
-struct HalfFactor {
-    Factor<V> factor;
-
-    KERNEL_INLINE HalfFactor(const qmp::vst::NodeFactors& factors, int l, std::uint64_t b)
-        : factor(broadcast<V>(factors, (std::uint64_t{1} << l) + b)) {}
-    KERNEL_INLINE Factor<V> operator()(int, int) const { return factor; }
-};
-
-template <typename V, int Log>
-struct StepFactors;
-template <typename V>
-struct StepFactors<V, 1> : HalfFactor<V> {
-    using HalfFactor<V>::HalfFactor;
-};
-template <typename V>
-struct StepFactors<V, 2> : QuarterFactors<V> {
-    using QuarterFactors<V>::QuarterFactors;
-};
-
-// A node's parts: part k of its columns begins at first + k * stride.
-template <typename Double>
-struct Parts {
-    Double* first;
-    std::uint64_t stride;
-
-    KERNEL_INLINE Double* operator()(int k, std::uint64_t column) const {
-        return first + static_cast<std::uint64_t>(k) * stride + column;
-    }
-};
-
-// Where a pass finds its vectors. `Next`: those a tile further on in the same rows are called for.
-template <typename V, bool Next = false>
-struct Source : Parts<const double> {
-    KERNEL_INLINE Source(const double* data, std::uint64_t step, std::uint64_t tile = 0)
-        : Parts{data, step}, ahead(tile) {}
-    KERNEL_INLINE typename V::Real load(int k, std::uint64_t column) const {
-        const double* from = (*this)(k, column);
-        if constexpr (Next) {
-            if (column % 8 == 0) __builtin_prefetch(from + ahead, 0, 2);
-        }
-        return V::load(from);
-    }
-    std::uint64_t ahead;
-};
-
-// Where it leaves them; `Past`: past the caches.
-template <typename V, bool Past = false>
-struct Target : Parts<double> {
-    KERNEL_INLINE Target(double* data, std::uint64_t step) : Parts{data, step} {}
-    KERNEL_INLINE void store(int k, std::uint64_t column, typename V::Real x) const {
-        if constexpr (Past) {
-            V::stream((*this)(k, column), x);
-        } else {
-            V::store((*this)(k, column), x);
-        }
-    }
-};
-
-// --- Columns one after the other ---
-
-template <typename V, int Log, typename From, typename To, typename Body>
-KERNEL_INLINE void for_columns(const From& from, const To& to, std::uint64_t begin, std::uint64_t end,
-                               const Body& body) {
-    for (std::uint64_t i = begin; i < end; i += V::lanes) {
-        typename V::Real x[1 << Log];
-        for (int k = 0; k < 1 << Log; ++k) x[k] = from.load(k, i);
-        body(x);
-        for (int k = 0; k < 1 << Log; ++k) to.store(k, i, x[k]);
-    }
-}
-
-// --- Columns a layer at a time ---
-
-// So many columns, all their parts, stay in the nearest cache between the two layers.
-template <typename V>
-constexpr std::uint64_t walk_points = 16 * V::lanes;
-
-template <typename V, bool Reduce, typename From, typename To>
-KERNEL_INLINE void forward_walks(const From& from, const To& to, double* data, std::uint64_t part,
-                                 const Modulus<V>& m, const QuarterFactors<V>& w) {
-    const std::uint64_t points = part < walk_points<V> ? part : walk_points<V>;
-    for (std::uint64_t i = 0; i < part; i += points) {
-        for_columns<V, 2>(from, Target<V>(data, part), i, i + points,
-                          [&](typename V::Real(&x)[4])
-                              KERNEL_INLINE_LAMBDA { forward_first<V, Reduce>(x, m, w); });
-        for_columns<V, 2>(Source<V>(data, part), to, i, i + points,
-                          [&](typename V::Real(&x)[4]) KERNEL_INLINE_LAMBDA { forward_second(x, m, w); });
-    }
-}
-
-template <typename V, typename From, typename To>
-KERNEL_INLINE void inverse_walks(const From& from, const To& to, double* data, std::uint64_t part,
-                                 const Modulus<V>& m, const QuarterFactors<V>& w) {
-    const std::uint64_t points = part < walk_points<V> ? part : walk_points<V>;
-    for (std::uint64_t i = 0; i < part; i += points) {
-        for_columns<V, 2>(from, Target<V>(data, part), i, i + points,
-                          [&](typename V::Real(&x)[4]) KERNEL_INLINE_LAMBDA { inverse_first(x, m, w); });
-        for_columns<V, 2>(Source<V>(data, part), to, i, i + points,
-                          [&](typename V::Real(&x)[4]) KERNEL_INLINE_LAMBDA { inverse_second(x, m, w); });
-    }
-}
-
-// --- Columns as a pipeline ---
-
-// Each round runs stage four of one column, three of the next, two of the one after that and stage one of
-// the fourth. The stages of a round do not depend on each other.
-template <typename V, typename Stages>
-KERNEL_INLINE void run_pipeline(Stages& stages, std::uint64_t points) {
-    constexpr std::uint64_t next = V::lanes;
-    stages.one(0);
-    stages.two(0);
-    stages.one(next);
-    stages.three();
-    stages.two(next);
-    stages.one(2 * next);
-    std::uint64_t i = 0;
-    for (; i + 3 * next < points; i += next) {
-        stages.four(i);
-        stages.three();
-        stages.two(i + 2 * next);
-        stages.one(i + 3 * next);
-    }
-    stages.four(i);
-    stages.three();
-    stages.two(i + 2 * next);
-    stages.four(i + next);
-    stages.three();
-    stages.four(i + 2 * next);
-}
-template <typename V>
-constexpr std::uint64_t shortest_pipeline = 3 * V::lanes;
-
-template <typename V, bool Reduce, typename From, typename To>
-class ForwardStages {
-    using Real = typename V::Real;
-
-  public:
-    KERNEL_INLINE ForwardStages(const From& from, const To& to, const Modulus<V>& m,
-                                const QuarterFactors<V>& w)
-        : from_(from), to_(to), m_(m), w_(w) {}
-
-    KERNEL_INLINE void one(std::uint64_t i) {
-        m_.begin(from_.load(2, i), w_.top, product2_);
-        m_.begin(from_.load(3, i), w_.top, product3_);
-        if constexpr (Reduce) quotient_ = m_.quotient(from_.load(0, i));
-    }
-    KERNEL_INLINE void two(std::uint64_t i) {
-        const Real t2 = m_.end(product2_), t3 = m_.end(product3_);
-        Real x0 = V::load(from_(0, i));
-        if constexpr (Reduce) x0 = m_.remainder(x0, quotient_);
-        const Real x1 = from_.load(1, i);
-        y0_ = V::add(x0, t2);
-        y2_ = V::sub(x0, t2);
-        y1_ = V::add(x1, t3);
-        y3_ = V::sub(x1, t3);
-    }
-    KERNEL_INLINE void three() {
-        m_.begin(y1_, w_.left, left_);
-        m_.begin(y3_, w_.right, right_);
-        z0_ = y0_;
-        z2_ = y2_;
-    }
-    KERNEL_INLINE void four(std::uint64_t i) {
-        const Real t1 = m_.end(left_), t3 = m_.end(right_);
-        to_.store(0, i, V::add(z0_, t1));
-        to_.store(1, i, V::sub(z0_, t1));
-        to_.store(2, i, V::add(z2_, t3));
-        to_.store(3, i, V::sub(z2_, t3));
-    }
-
-  private:
-    const From from_;
-    const To to_;
-    const Modulus<V>& m_;
-    const QuarterFactors<V>& w_;
-    Product<V> product2_, product3_, left_, right_;
-    Real quotient_, y0_, y1_, y2_, y3_, z0_, z2_;
-};
-
-template <typename V, typename From, typename To>
-class InverseStages {
-    using Real = typename V::Real;
-
-  public:
-    KERNEL_INLINE InverseStages(const From& from, const To& to, const Modulus<V>& m,
-                                const QuarterFactors<V>& w)
-        : from_(from), to_(to), m_(m), w_(w) {}
-
-    KERNEL_INLINE void one(std::uint64_t i) {
-        const Real x0 = from_.load(0, i), x1 = from_.load(1, i);
-        const Real x2 = from_.load(2, i), x3 = from_.load(3, i);
-        m_.begin(V::sub(x0, x1), w_.left, left_);
-        m_.begin(V::sub(x2, x3), w_.right, right_);
-        const Real s = V::add(x0, x1), t = V::add(x2, x3);
-        sum_ = V::add(s, t);
-        quotient_ = m_.quotient(sum_);
-        difference_ = V::sub(s, t);
-    }
-    KERNEL_INLINE void two(std::uint64_t i) {
-        const Real left = m_.end(left_), right = m_.end(right_);
-        to_.store(0, i, m_.remainder(sum_, quotient_));
-        to_.store(1, i, V::add(left, right));
-        z3_ = V::sub(left, right);
-        z2_ = difference_;
-    }
-    KERNEL_INLINE void three() {
-        m_.begin(z2_, w_.top, product2_);
-        m_.begin(z3_, w_.top, product3_);
-    }
-    KERNEL_INLINE void four(std::uint64_t i) {
-        to_.store(2, i, m_.end(product2_));
-        to_.store(3, i, m_.end(product3_));
-    }
-
-  private:
-    const From from_;
-    const To to_;
-    const Modulus<V>& m_;
-    const QuarterFactors<V>& w_;
-    Product<V> left_, right_, product2_, product3_;
-    Real sum_, quotient_, difference_, z2_, z3_;
-};
-
-// --- A node ---
 
 template <typename V, int Log, bool Reduce, typename From, typename To>
-KERNEL_INLINE void forward_node(const From& from, const To& to, double* data, std::uint64_t part,
-                                const Modulus<V>& m, const StepFactors<V, Log>& w) {
-    if constexpr (Log == 2) {
-        if constexpr (V::registers >= 32) {
-            if (part >= shortest_pipeline<V>) {
-                ForwardStages<V, Reduce, From, To> stages(from, to, m, w);
-                run_pipeline<V>(stages, part);
-                return;
-            }
-        } else {
-            forward_walks<V, Reduce>(from, to, data, part, m, w);
+KERNEL_INLINE void forward_node(const From& from, const To& to, std::uint64_t part, const Modulus<V>& m,
+                                const StepFactors<V, Log>& w) {
+    if constexpr (Log == 2 && has_pipeline<V>) {
+        if (part >= shortest_pipeline * V::lanes) {
+            ForwardStages<V, Reduce, From, To, StepFactors<V, 2>> stages(from, to, m, w);
+            run_pipeline<V::lanes>(stages, part);
             return;
         }
     }
@@ -286,18 +34,50 @@ KERNEL_INLINE void forward_node(const From& from, const To& to, double* data, st
     });
 }
 
-template <typename V, int Log, typename From, typename To>
-KERNEL_INLINE void inverse_node(const From& from, const To& to, double* data, std::uint64_t part,
-                                const Modulus<V>& m, const StepFactors<V, Log>& w) {
-    if constexpr (Log == 2) {
-        if constexpr (V::registers >= 32) {
-            if (part >= shortest_pipeline<V>) {
-                InverseStages<V, From, To> stages(from, to, m, w);
-                run_pipeline<V>(stages, part);
-                return;
+// All nodes of one column each, as one pipeline.
+template <typename V, bool Reduce>
+KERNEL_INLINE void forward_columns(double* data, int l, std::uint64_t first, std::uint64_t count,
+                                   const qmp::vst::NodeFactors& tree, const Modulus<V>& m) {
+    const ColumnFactors<V> w(tree, l, first);
+    const Source<V> from(data, V::lanes);
+    const Target<V> to(data, V::lanes);
+    ForwardStages<V, Reduce, Source<V>, Target<V>, ColumnFactors<V>> stages(from, to, m, w);
+    run_pipeline<4 * V::lanes>(stages, 4 * V::lanes * count);
+}
+
+template <typename V, bool Reduce, typename From, typename To>
+KERNEL_INLINE void forward_walks(From from, To to, double* data, std::uint64_t part, int l,
+                                 std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                 const Modulus<V>& m) {
+    using Column = typename V::Real(&)[4];
+    const Walks<V> walks(part);
+    for (std::uint64_t b = first; b < first + count; b += walks.nodes) {
+        const std::uint64_t nodes = first + count - b < walks.nodes ? first + count - b : walks.nodes;
+        for (std::uint64_t i = 0; i < part; i += walks.columns) {
+            for (std::uint64_t c = 0; c < nodes; ++c) {
+                const QuarterFactors<V> w(tree, l, b + c);
+                for_columns<V, 2>(from.node(c), Target<V>(data + 4 * c * part, part), i, i + walks.columns,
+                                  [&](Column x) KERNEL_INLINE_LAMBDA { forward_first<V, Reduce>(x, m, w); });
             }
-        } else {
-            inverse_walks<V>(from, to, data, part, m, w);
+            for (std::uint64_t c = 0; c < nodes; ++c) {
+                const QuarterFactors<V> w(tree, l, b + c);
+                for_columns<V, 2>(Source<V>(data + 4 * c * part, part), to.node(c), i, i + walks.columns,
+                                  [&](Column x) KERNEL_INLINE_LAMBDA { forward_second(x, m, w); });
+            }
+        }
+        from = from.node(nodes);
+        to = to.node(nodes);
+        data += 4 * nodes * part;
+    }
+}
+
+template <typename V, int Log, typename From, typename To>
+KERNEL_INLINE void inverse_node(const From& from, const To& to, std::uint64_t part, const Modulus<V>& m,
+                                const StepFactors<V, Log>& w) {
+    if constexpr (Log == 2 && has_pipeline<V>) {
+        if (part >= shortest_pipeline * V::lanes) {
+            InverseStages<V, From, To, StepFactors<V, 2>> stages(from, to, m, w);
+            run_pipeline<V::lanes>(stages, part);
             return;
         }
     }
@@ -306,43 +86,110 @@ KERNEL_INLINE void inverse_node(const From& from, const To& to, double* data, st
     });
 }
 
+// All nodes of one column each, as one pipeline.
+template <typename V>
+KERNEL_INLINE void inverse_columns(double* data, int l, std::uint64_t first, std::uint64_t count,
+                                   const qmp::vst::NodeFactors& tree, const Modulus<V>& m) {
+    const ColumnFactors<V> w(tree, l, first);
+    const Source<V> from(data, V::lanes);
+    const Target<V> to(data, V::lanes);
+    InverseStages<V, Source<V>, Target<V>, ColumnFactors<V>> stages(from, to, m, w);
+    run_pipeline<4 * V::lanes>(stages, 4 * V::lanes * count);
+}
+
+template <typename V, typename From, typename To>
+KERNEL_INLINE void inverse_walks(From from, To to, double* data, std::uint64_t part, int l,
+                                 std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                 const Modulus<V>& m) {
+    using Column = typename V::Real(&)[4];
+    const Walks<V> walks(part);
+    for (std::uint64_t b = first; b < first + count; b += walks.nodes) {
+        const std::uint64_t nodes = first + count - b < walks.nodes ? first + count - b : walks.nodes;
+        for (std::uint64_t i = 0; i < part; i += walks.columns) {
+            for (std::uint64_t c = 0; c < nodes; ++c) {
+                const QuarterFactors<V> w(tree, l, b + c);
+                for_columns<V, 2>(from.node(c), Target<V>(data + 4 * c * part, part), i, i + walks.columns,
+                                  [&](Column x) KERNEL_INLINE_LAMBDA { inverse_first(x, m, w); });
+            }
+            for (std::uint64_t c = 0; c < nodes; ++c) {
+                const QuarterFactors<V> w(tree, l, b + c);
+                for_columns<V, 2>(Source<V>(data + 4 * c * part, part), to.node(c), i, i + walks.columns,
+                                  [&](Column x) KERNEL_INLINE_LAMBDA { inverse_second(x, m, w); });
+            }
+        }
+        from = from.node(nodes);
+        to = to.node(nodes);
+        data += 4 * nodes * part;
+    }
+}
+
 // --- Passes ---
 
 // Log layers of the nodes [first, first + count) of layer l, each of 2^Log parts.
 template <typename V, int Log, bool Reduce>
-void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+KERNEL_FUNCTION void forward_pass(double* data, std::uint64_t part, int l, std::uint64_t first,
+                                  std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                  const Modulus<V>& modulus) {
     // Copies that no store to the data can be taken to change.
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
+    if constexpr (Log == 2 && !has_pipeline<V>) {
+        forward_walks<V, Reduce>(Source<V>(data, part), Target<V>(data, part), data, part, l, first, count,
+                                 factors, m);
+        return;
+    }
+    if constexpr (Log == 2) {
+        if (part == V::lanes && count >= shortest_pipeline) {
+            forward_columns<V, Reduce>(data, l, first, count, factors, m);
+            return;
+        }
+    }
     for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        forward_node<V, Log, Reduce>(Source<V>(data, part), Target<V>(data, part), data, part, m,
+        forward_node<V, Log, Reduce>(Source<V>(data, part), Target<V>(data, part), part, m,
                                      StepFactors<V, Log>(factors, l, b));
     }
 }
 
 template <typename V, int Log>
-void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
-                  const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
+KERNEL_FUNCTION void inverse_pass(double* data, std::uint64_t part, int l, std::uint64_t first,
+                                  std::uint64_t count, const qmp::vst::NodeFactors& tree,
+                                  const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
+    if constexpr (Log == 2 && !has_pipeline<V>) {
+        inverse_walks<V>(Source<V>(data, part), Target<V>(data, part), data, part, l, first, count, factors,
+                         m);
+        return;
+    }
+    if constexpr (Log == 2) {
+        if (part == V::lanes && count >= shortest_pipeline) {
+            inverse_columns<V>(data, l, first, count, factors, m);
+            return;
+        }
+    }
     for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        inverse_node<V, Log>(Source<V>(data, part), Target<V>(data, part), data, part, m,
+        inverse_node<V, Log>(Source<V>(data, part), Target<V>(data, part), part, m,
                              StepFactors<V, Log>(factors, l, b));
     }
 }
 
 // The same with the results going to rows of a matrix: the last step of a tile's columns.
 template <typename V, int Log, bool Reduce, bool Past>
-void forward_pass_to(double* first_row, std::uint64_t stride, double* data, std::uint64_t part, int l,
-                     std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                     const Modulus<V>& modulus) {
+KERNEL_FUNCTION void forward_pass_to(double* first_row, std::uint64_t stride, double* data,
+                                     std::uint64_t part, int l, std::uint64_t first, std::uint64_t count,
+                                     const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        forward_node<V, Log, Reduce>(Source<V>(data, part),
-                                     Target<V, Past>(first_row + (b << Log) * stride, stride), data, part, m,
-                                     StepFactors<V, Log>(factors, l, b));
+    if constexpr (Log == 2 && !has_pipeline<V>) {
+        forward_walks<V, Reduce>(Source<V>(data, part),
+                                 Target<V, Past>(first_row + (first << Log) * stride, stride), data, part, l,
+                                 first, count, factors, m);
+    } else {
+        for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+            forward_node<V, Log, Reduce>(Source<V>(data, part),
+                                         Target<V, Past>(first_row + (b << Log) * stride, stride), part, m,
+                                         StepFactors<V, Log>(factors, l, b));
+        }
     }
     if constexpr (Past) V::fence();
 }
@@ -358,14 +205,19 @@ void forward_pass_to(const qmp::vst::MatrixRows& rows, double* data, std::uint64
 
 // The same with the inputs coming from there, and the next tile's part of the same rows being called for.
 template <typename V, int Log>
-void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part, int l,
-                       std::uint64_t first, std::uint64_t count, const qmp::vst::NodeFactors& tree,
-                       const Modulus<V>& modulus) {
+KERNEL_FUNCTION void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part,
+                                       int l, std::uint64_t first, std::uint64_t count,
+                                       const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
-    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-        inverse_node<V, Log>(Source<V, true>(rows.first + (b << Log) * rows.stride, rows.stride, part),
-                             Target<V>(data, part), data, part, m, StepFactors<V, Log>(factors, l, b));
+    if constexpr (Log == 2 && !has_pipeline<V>) {
+        inverse_walks<V>(Source<V, true>(rows.first + (first << Log) * rows.stride, rows.stride, part),
+                         Target<V>(data, part), data, part, l, first, count, factors, m);
+    } else {
+        for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+            inverse_node<V, Log>(Source<V, true>(rows.first + (b << Log) * rows.stride, rows.stride, part),
+                                 Target<V>(data, part), part, m, StepFactors<V, Log>(factors, l, b));
+        }
     }
 }
 

@@ -1,8 +1,8 @@
-// One, two or three layers of the transform in registers.
+// One or two layers of the transform in registers.
 //
-// Twiddle(layer, node) gives the factor of a node of the small tree. Forward: inputs at most 4.5 with
-// `Reduce`, at most 2.8 without; outputs at most 4.5, and at most 2.8 after one or two layers with `Reduce`.
-// Inverse: inputs and outputs at most 1.8. All in units of the prime.
+// Twiddle(layer, node) gives the factor of a node of the small tree. Forward, two layers: inputs at most 6.02
+// with `Reduce`, outputs then at most 3; inputs at most 3 without, outputs then at most 4.9. One layer:
+// NUMERICS.md. Inverse: inputs and outputs at most 1.8. All in units of the prime.
 #pragma once
 
 #include "multiply/vst/kernels/modular.h"
@@ -35,26 +35,6 @@ KERNEL_INLINE void forward_radix(typename V::Real (&x)[4], const Modulus<V>& m, 
     forward_second(x, m, twiddle);
 }
 
-template <typename V, bool Reduce, typename Twiddle>
-KERNEL_INLINE void forward_radix(typename V::Real (&x)[8], const Modulus<V>& m, const Twiddle& twiddle) {
-    if constexpr (Reduce) x[0] = m.reduce(x[0]);
-    const Factor<V> w = twiddle(0, 0);
-    m.forward(x[0], x[4], w);
-    m.forward(x[1], x[5], w);
-    m.forward(x[2], x[6], w);
-    m.forward(x[3], x[7], w);
-    const Factor<V> w0 = twiddle(1, 0);
-    m.forward(x[0], x[2], w0);
-    m.forward(x[1], x[3], w0);
-    const Factor<V> w1 = twiddle(1, 1);
-    m.forward(x[4], x[6], w1);
-    m.forward(x[5], x[7], w1);
-    m.forward(x[0], x[1], twiddle(2, 0));
-    m.forward(x[2], x[3], twiddle(2, 1));
-    m.forward(x[4], x[5], twiddle(2, 2));
-    m.forward(x[6], x[7], twiddle(2, 3));
-}
-
 template <typename V, typename Twiddle>
 KERNEL_INLINE void inverse_radix(typename V::Real (&x)[2], const Modulus<V>& m, const Twiddle& twiddle) {
     m.inverse_step(x[0], x[1], twiddle(0, 0));
@@ -78,29 +58,6 @@ template <typename V, typename Twiddle>
 KERNEL_INLINE void inverse_radix(typename V::Real (&x)[4], const Modulus<V>& m, const Twiddle& twiddle) {
     inverse_first(x, m, twiddle);
     inverse_second(x, m, twiddle);
-}
-
-template <typename V, typename Twiddle>
-KERNEL_INLINE void inverse_radix(typename V::Real (&x)[8], const Modulus<V>& m, const Twiddle& twiddle) {
-    m.inverse_step(x[0], x[1], twiddle(2, 0));
-    m.inverse_step(x[2], x[3], twiddle(2, 1));
-    m.inverse_step(x[4], x[5], twiddle(2, 2));
-    m.inverse_step(x[6], x[7], twiddle(2, 3));
-    const Factor<V> w0 = twiddle(1, 0);
-    m.inverse_step(x[0], x[2], w0);
-    m.inverse_step(x[1], x[3], w0);
-    const Factor<V> w1 = twiddle(1, 1);
-    m.inverse_step(x[4], x[6], w1);
-    m.inverse_step(x[5], x[7], w1);
-    x[0] = m.reduce(x[0]);
-    x[4] = m.reduce(x[4]);
-    const Factor<V> w = twiddle(0, 0);
-    m.inverse_step(x[0], x[4], w);
-    m.inverse_step(x[1], x[5], w);
-    m.inverse_step(x[2], x[6], w);
-    m.inverse_step(x[3], x[7], w);
-    x[1] = m.reduce(x[1]);
-    x[2] = m.reduce(x[2]);
 }
 
 }  // namespace

@@ -54,13 +54,13 @@ struct OuterFactors {
 // The factors that every leaf's own are made from, for one prime and one direction.
 struct LeafBase {
     const double* nodes;  // T[b] at index 2^l + b; index 0 holds 0
-    const double* lanes;  // for the layers inside a vector: records of (lanes - 1) vectors, see leaf.h
+    const double* lanes;  // the twist of blocks, record by record, see leaf_table.h
 };
 
 struct TransformKernels {
     int log_lanes;
 
-    // Inputs at most 2.8 if `low`, else 4.5; outputs at most 4.5.
+    // Inputs at most 3 if `low`, else 4.9; outputs at most 4.9.
     void (*forward_layers)(double* data, const Layers& layers, const PrimeModulus& modulus, bool low);
     // Inputs and outputs at most 1.8.
     void (*inverse_layers)(double* data, const Layers& layers, const PrimeModulus& modulus);
@@ -78,22 +78,25 @@ struct TransformKernels {
     // products[i] = x[i] * y, at most 0.51; count a multiple of 8.
     void (*scale)(double* products, const double* x, double y, std::uint64_t count,
                   const PrimeModulus& modulus);
-    // A leaf's table for one direction, from e(a / 2^(l+1)), or its inverse, at rho[l * stride].
+    // A leaf's table for one direction, from e(a / 2^(l+1)), or its inverse, at rho[l * stride]. The leaf's
+    // points are multiplied by `scale` on their way, at most 0.5.
     void (*leaf_table)(double* table, const LeafBase& base, int log_length, const double* rho,
-                       std::ptrdiff_t stride, const PrimeModulus& modulus);
-    // A leaf of 2^log_length points (6 to 10): inputs at most 4.5, outputs at most 4.5.
-    void (*leaf_forward)(double* data, const double* table, int log_length, const PrimeModulus& modulus);
+                       std::ptrdiff_t stride, double scale, const PrimeModulus& modulus);
+    // A leaf of 2^log_length points (6 to 10): inputs at most 4.9, outputs at most 6.9.
+    void (*leaf_forward)(double* data, const double* table, const LeafBase& base, int log_length,
+                         const PrimeModulus& modulus);
     // Inputs and outputs at most 1.8.
-    void (*leaf_inverse)(double* data, const double* table, int log_length, const PrimeModulus& modulus);
-    // a[i] = a[i] * b[i] * scale. Inputs at most 4.5, outputs at most 1.8. b may be a.
-    void (*pointwise)(double* a, const double* b, std::uint64_t count, double scale, double scale_quotient,
-                      const PrimeModulus& modulus);
+    void (*leaf_inverse)(double* data, const double* table, const LeafBase& base, int log_length,
+                         const PrimeModulus& modulus);
+    // a[i] = a[i] * b[i]. Inputs at most 6.9, outputs at most 1.8. b may be a.
+    void (*pointwise)(double* a, const double* b, std::uint64_t count, const PrimeModulus& modulus);
 };
 
 constexpr int longest_leaf = 10;  // log2 of its points
 
-// Doubles of a leaf's table: values and quotients of the nodes and of the lanes' records.
-constexpr std::uint64_t leaf_table_doubles = std::uint64_t{2} << longest_leaf;
+// Doubles of a leaf's table: values and quotients of the nodes (chunks have two points at least) and the
+// first layer's four vectors.
+constexpr std::uint64_t leaf_table_doubles = (std::uint64_t{1} << longest_leaf) + 4 * 8;
 
 extern const TransformKernels transform_scalar;
 extern const TransformKernels transform_sse2;
