@@ -10,6 +10,7 @@
 #include "platform/parallel/registry.h"
 #include "radix/output_driver.h"
 #include "support/computation_memory.h"
+#include "support/sanitized.h"
 
 namespace kelvara {
 namespace {
@@ -94,6 +95,7 @@ void print_phases(std::uint64_t figure, const std::vector<PhaseMemory::Phase>& p
 TEST_P(Memory, NoPhaseTakesMoreThanItsFigure) {
     const auto framework = qmp::make_default_parallelizer();
     for (const std::uint64_t digits : {1'000u, 10'000u, 100'000u, 1'000'000u}) {
+        if (kelvara_test::sanitized && digits > 100'000) continue;
         for (const std::uint64_t tasks : {1u, 2u, 3u, 16u}) {
             SCOPED_TRACE(testing::Message() << digits << " digits, " << tasks << " tasks");
             const auto made = computation(digits, tasks);

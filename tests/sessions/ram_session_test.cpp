@@ -11,6 +11,7 @@
 
 #include "radix/output_driver.h"
 #include "sessions/session_run.h"
+#include "support/sanitized.h"
 
 namespace kelvara {
 namespace {
@@ -151,6 +152,7 @@ TEST(SessionObserver, IsToldEveryStep) {
 TEST(SessionRecord, TellsWhatWasReservedAndUsed) {
     for (const Algorithm& algorithm : pi_and_e) {
         for (const std::uint64_t wanted : {1'000u, 50'000u, 300'000u}) {
+            if (kelvara_test::sanitized && wanted > 50'000) continue;
             for (const std::uint64_t tasks : {1u, 2u, 16u}) {
                 SCOPED_TRACE(testing::Message() << algorithm.keyword << ", " << wanted << ", " << tasks);
                 const Outcome outcome = run_session(algorithm, wanted, tasks, "pushpool");
