@@ -100,10 +100,11 @@ struct Source : Parts<const double> {
     }
     KERNEL_INLINE typename V::Real load(int k, std::uint64_t column) const {
         const double* from = (*this)(k, column);
+        const typename V::Real x = V::load(from);
         if constexpr (Next) {
             if (column % 8 == 0) __builtin_prefetch(from + ahead, 0, 2);
         }
-        return V::load(from);
+        return x;
     }
     std::uint64_t ahead;
 };

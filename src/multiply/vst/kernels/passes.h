@@ -204,20 +204,19 @@ void forward_pass_to(const qmp::vst::MatrixRows& rows, double* data, std::uint64
 }
 
 // The same with the inputs coming from there, and the next tile's part of the same rows being called for.
+// Vectors that may not be in the nearest caches are better loaded as early as the processor can look: neither
+// in stages nor for one layer only.
 template <typename V, int Log>
 KERNEL_FUNCTION void inverse_pass_from(const qmp::vst::MatrixRows& rows, double* data, std::uint64_t part,
                                        int l, std::uint64_t first, std::uint64_t count,
                                        const qmp::vst::NodeFactors& tree, const Modulus<V>& modulus) {
     const qmp::vst::NodeFactors factors = tree;
     const Modulus<V> m = modulus;
-    if constexpr (Log == 2 && !has_pipeline<V>) {
-        inverse_walks<V>(Source<V, true>(rows.first + (first << Log) * rows.stride, rows.stride, part),
-                         Target<V>(data, part), data, part, l, first, count, factors, m);
-    } else {
-        for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
-            inverse_node<V, Log>(Source<V, true>(rows.first + (b << Log) * rows.stride, rows.stride, part),
-                                 Target<V>(data, part), part, m, StepFactors<V, Log>(factors, l, b));
-        }
+    for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
+        const StepFactors<V, Log> w(factors, l, b);
+        for_columns<V, Log>(
+            Source<V, true>(rows.first + (b << Log) * rows.stride, rows.stride, part), Target<V>(data, part),
+            0, part, [&](typename V::Real(&x)[1 << Log]) KERNEL_INLINE_LAMBDA { inverse_radix<V>(x, m, w); });
     }
 }
 
