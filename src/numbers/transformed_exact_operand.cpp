@@ -88,7 +88,11 @@ void ExactFloatTransformR::inverse_fsqr(const MultiplyContext& context, ExactFlo
     const std::uint64_t n = 2 * a.L;
     check_product(function, *a.parameters, destination, n);
     destination.T = destination.base;
-    a.parameters->inverse_square(context, a.data, destination.T, 0, n);
+    if (a.state == OperandState::begun) {
+        a.parameters->finish_multiply(context, a.data, a.state, a.data, a.state, destination.T, 0, n);
+    } else {
+        a.parameters->inverse_square(context, a.data, destination.T, 0, n);
+    }
     a.data = nullptr;
     finish(destination, n, 2 * a.exp, check_mul(a.hash, a.hash));
 }

@@ -112,9 +112,12 @@ void BigFloatTransformR::inverse_fsqr(const MultiplyContext& context, BigFloat& 
     constexpr const char* function = "BigFloatTransformR::inverse_fsqr()";
     const Window window = square_window(function, "BigFloatTransformR::inverse_fsqr(): Truncated Range\n\n",
                                         a, destination, te, p);
-    if (window.count > 0) {
-        a.parameters->inverse_square(context, a.data, destination.T, window.first,
-                                     window.first + window.count);
+    const std::uint64_t end = window.first + window.count;
+    if (window.count > 0 && a.state == OperandState::begun) {
+        a.parameters->finish_multiply(context, a.data, a.state, a.data, a.state, destination.T, window.first,
+                                      end);
+    } else if (window.count > 0) {
+        a.parameters->inverse_square(context, a.data, destination.T, window.first, end);
     }
     finish(destination, window, 1);
     a.data = nullptr;

@@ -66,9 +66,7 @@ class Transform {
     double row_root(std::uint32_t prime, std::uint64_t row, bool inverse) const;
     void split_tile(PrimeRange primes, double* matrix, const void* operand, std::uint64_t bytes,
                     std::uint64_t tile, double* workspace) const;
-    std::uint64_t mirror_row(std::uint64_t row) const;
-    // The rows of the group that do not come after their mirror rows, and these. a, b: the matrices of the
-    // prime.
+    // a, b: the matrices of the prime.
     void group_of_rows(double* a, double* b, RowWork work, std::uint32_t prime, std::uint64_t group,
                        double* workspace) const;
     double merge_tile(const Window& window, const double* matrix, std::uint64_t tile,
