@@ -10,6 +10,7 @@
 #include "numbers/check_value.h"
 #include "support/fatal.h"
 #include "support/random_words.h"
+#include "support/twiddled_context.h"
 #include "support/words_reference.h"
 
 namespace {
@@ -216,6 +217,32 @@ TEST(BigFloatTransform, Squares) {
             EXPECT_TRUE(buffer.guards_intact() && convolution.guards_intact());
         }
     }
+}
+
+// Products of this length leave forward()'s transforms begun.
+TEST(BigFloatTransform, SquaresOfBegunOperands) {
+    constexpr std::uint64_t n = 10'500, length = n / 2;
+    kelvara_test::TwiddledContext own(n, qmp::iPsize(n, 1));
+    qmp::TransformParametersBox box;
+    const qmp::TransformParameters& parameters = qmp::construct_transform(box, n);
+    Random random(46);
+    const Words a = make_words(random, length);
+    const Words whole = reference_product(a, a);
+    GuardedWords operand(parameters.operand_words), words(n);
+
+    BigFloatTransformR ta;
+    ta.forward(own.context(), parameters, operand.data(), view(a, 0));
+    ASSERT_EQ(ta.state, qmp::OperandState::begun);
+    BigFloat result(words.data(), n);
+    BigFloatTransformR::inverse_fsqr(own.context(), result, ta, n, n);
+    EXPECT_EQ(words_of(result), whole);
+
+    ExactFloatTransformR exact;
+    exact.forward(own.context(), parameters, operand.data(), {a.data(), length, 0, 1});
+    ExactFloat square(words.data(), n);
+    ExactFloatTransformR::inverse_fsqr(own.context(), square, exact);
+    EXPECT_EQ(Words(square.T, square.T + square.L), whole);
+    EXPECT_TRUE(operand.guards_intact() && words.guards_intact());
 }
 
 TEST(BigFloatTransform, TopZeroWordsAreStripped) {
