@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/component_settings.h"
 #include "platform/parallel/basic_parallelizer.h"
 #include "platform/parallel/parallel_context.h"
 

@@ -4,6 +4,7 @@
 // given at its start are one group, numbered from 0 in the system's order without gaps.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 
@@ -20,7 +21,7 @@ std::uint32_t active_processors();
 struct GroupAffinity {
     std::uint16_t group = 0;
     std::uint64_t mask = 0;
-    bool operator==(const GroupAffinity&) const = default;
+    auto operator<=>(const GroupAffinity&) const = default;
 };
 
 // The calling thread's.

@@ -10,21 +10,10 @@
 #include <string>
 #include <string_view>
 
+#include "platform/component_settings.h"
 #include "platform/parallel/basic_action.h"
 
 namespace qmp {
-
-class TextCursor;
-
-// Saving and restoring a component's own settings as text.
-class ComponentSettings {
-  public:
-    virtual ~ComponentSettings() = default;
-    // The component's own settings, one "label: value" per line; empty when it has none.
-    virtual std::string print_settings() const { return {}; }
-    // Reads the own fields, in declaration order, as whitespace-separated decimal integers.
-    virtual void load_settings(TextCursor&) {}
-};
 
 class BasicParallelizer : public ComponentSettings {
   public:
