@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "console/console.h"
 #include "constants/catalogue.h"
 #include "constants/size_rules.h"
 #include "errors/exception.h"
 #include "errors/file_exception.h"
 #include "platform/os/file.h"
 #include "platform/os/threads.h"
+#include "platform/parallel/menus.h"
 #include "platform/parallel/registry.h"
 #include "radix/digit_counts.h"
 #include "swap/sequential_file.h"
@@ -42,6 +44,32 @@ void RamSettings::set_hexadecimal_digits(std::uint64_t digits) {
     if (digits != 0) check_digits(digits, constant_->max_digits());
     hexadecimal_digits_ = digits;
     hexadecimal_chosen_ = true;
+    refresh();
+}
+
+void RamSettings::adjust_digits(std::uint64_t decimal, bool hexadecimal) {
+    namespace console = qmp::console;
+    if (decimal < smallest_digits) {
+        console::print_label_line("Warning", "Precision below minimum. Adjusting to minimum.", 'Y');
+        decimal = smallest_digits;
+    }
+    if (decimal > constant_->max_digits()) {
+        console::print_label_line("Warning", "Precision above maximum: Clipping to maximum.", 'Y');
+        decimal = constant_->max_digits();
+    }
+    decimal_digits_ = decimal;
+    hexadecimal_chosen_ = !hexadecimal;
+    hexadecimal_digits_ = 0;
+    refresh();
+}
+
+void RamSettings::ask_algorithm() {
+    constant_->ask_algorithm();
+    refresh();
+}
+
+void RamSettings::edit_parallelization() {
+    qmp::edit_parallelization(tasks_, framework_);
     refresh();
 }
 
@@ -85,6 +113,15 @@ void RamSettings::check() const {
     if (!qmp::FileIO::path_check(folder)) {
         throw qmp::FileIO::FileException("", "The folder for the digit files cannot be written.", folder,
                                          access_denied);
+    }
+}
+
+bool RamSettings::can_run() const {
+    try {
+        check();
+        return make_computation() != nullptr;
+    } catch (const qmp::Exception&) {
+        return false;
     }
 }
 

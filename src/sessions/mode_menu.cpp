@@ -1,0 +1,52 @@
+#include "sessions/mode_menu.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "console/console.h"
+#include "console/format.h"
+#include "console/input.h"
+#include "errors/exception.h"
+
+namespace kelvara {
+namespace {
+
+namespace console = qmp::console;
+
+// The columns of the table: the mode's memory and its disk.
+constexpr std::uint64_t memory_column = 28;
+constexpr std::uint64_t disk_column = 12;
+
+void print_notes() {
+    console::println("*Disk usage varies with the amount of memory that is being used.");
+    console::println("More memory usually means more disk usage. The value shown here is for");
+    console::println("the lowest possible amount of working memory.");
+    console::newline();
+    console::println("Memory and disk usage estimates are provable upper-bounds for what they");
+    console::println("are measuring. But they do not include unmeasureable overheads such as");
+    console::println("run-time libraries, bookkeeping, OS system memory, etc...");
+    console::newline();
+    console::println("Disk usage estimates is for the amount of logical data. If redundent");
+    console::println("RAID is involved, then the disk requirement will scale up accordingly.");
+    console::newline();
+}
+
+}  // namespace
+
+void ask_mode(RamSettings& settings) {
+    const std::unique_ptr<RamComputation> computation = settings.make_computation();
+    console::println("Select a Mode:\n", 'w');
+    console::println("Option      Mode            Memory      Disk Memory\n");
+    console::print_column(memory_column, "1      Ram Only",
+                          console::format_bytes(computation->memory_estimate()), 'Y');
+    console::println("");
+    console::print_column(memory_column, "2      Swap Mode         >", "not available in this build yet", 'y');
+    console::println("\n", 'w');
+    print_notes();
+    if (console::read_int_in_range("option: ", 1, 2, 'T') == 2) {
+        throw qmp::InvalidParametersException("", "Swap Mode is not available in this build yet.");
+    }
+}
+
+}  // namespace kelvara
