@@ -80,8 +80,8 @@ Object write_settings(const RamSettings& settings) {
     insert_object(object, "Output", write_output(settings));
     object.insert_string("Mode", "ram");
     insert_object(object, "Parallelism",
-                  qmp::write_parallelism(settings.task_decomposition(), settings.framework()));
-    insert_object(object, "Allocator", qmp::write_allocator(settings.allocator()));
+                  qmp::write_parallel_settings(settings.task_decomposition(), settings.framework()));
+    insert_object(object, "Allocator", qmp::write_allocator_settings(settings.allocator()));
     return object;
 }
 
@@ -92,10 +92,10 @@ RamSettings read_settings(const Object& object) {
     read_size(settings, object.get_object("ComputeSize", settings_context));
     read_output(settings, object.get_object("Output", settings_context));
     check_mode(object.get_string("Mode", settings_context));
-    auto parallelism = qmp::read_parallelism(object.get_object("Parallelism", settings_context));
-    settings.set_task_decomposition(parallelism.tasks);
+    qmp::ParallelSettings parallelism = qmp::read_parallel_settings(object.get_object("Parallelism", settings_context));
+    settings.set_task_decomposition(parallelism.task_decomposition);
     settings.set_framework(std::move(parallelism.framework));
-    settings.set_allocator(qmp::read_allocator(object.get_object("Allocator", settings_context)));
+    settings.set_allocator(qmp::read_allocator_settings(object.get_object("Allocator", settings_context)));
     return settings;
 }
 
