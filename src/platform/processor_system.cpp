@@ -7,4 +7,12 @@ ProcessorSystem& processor_system() {
     return system;
 }
 
+std::vector<std::uint32_t> group_processors(ProcessorSystem& system) {
+    std::vector<std::uint32_t> counts(system.active_processor_groups());
+    for (std::uint32_t group = 0; group < counts.size(); ++group) {
+        counts[group] = system.active_processors(group);
+    }
+    return counts;
+}
+
 }  // namespace qmp

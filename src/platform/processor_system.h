@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "platform/os/numa.h"
 #include "platform/os/threads.h"
@@ -29,5 +30,8 @@ class ProcessorSystem {
 
 // This machine. Usable from any thread.
 ProcessorSystem& processor_system();
+
+// The number of processors of every group.
+std::vector<std::uint32_t> group_processors(ProcessorSystem& system);
 
 }  // namespace qmp

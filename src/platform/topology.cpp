@@ -17,12 +17,12 @@ namespace {
 void print_cores(std::string_view label, std::span<const std::uint64_t> cores) {
     constexpr std::size_t line_columns = 60;
     std::string line(label);
-    std::string_view rest;
     const std::string ranges = number_ranges(cores);
-    for (rest = ranges; line.size() + rest.size() > line_columns;) {
+    std::string_view rest = ranges;
+    while (line.size() + rest.size() > line_columns) {
         // Lines end behind the comma of the last range that fits.
         const std::size_t comma = rest.substr(0, line_columns - line.size()).rfind(',');
-        if (comma == std::string_view::npos) break;
+        if (comma == std::string_view::npos) break;  // a range wider than the line
         line += rest.substr(0, comma + 1);
         console::println(line);
         line.assign(label.size(), ' ');
@@ -96,11 +96,7 @@ const NumaNode* NumaTable::find(std::uint64_t node) const {
 
 CoreTable parse_cores(ProcessorSystem& system) {
     console::println("Parsing Core -> Handle Mappings...");
-    std::vector<std::uint32_t> counts(system.active_processor_groups());
-    for (std::uint32_t group = 0; group < counts.size(); ++group) {
-        counts[group] = system.active_processors(group);
-    }
-    CoreTable cores(counts);
+    CoreTable cores(group_processors(system));
     print_cores("    Cores:  ", whole_machine_node(cores).cores);
     return cores;
 }
