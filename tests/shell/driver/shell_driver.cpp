@@ -12,6 +12,7 @@
 #include "errors/exception.h"
 #include "platform/features_screen.h"
 #include "platform/startup_state.h"
+#include "platform/system_information.h"
 #include "shell/program.h"
 
 namespace kelvara {
@@ -61,6 +62,13 @@ void show_features(const std::string&) {
     qmp::print_features();
 }
 
+// On the screen and as in a validation file.
+void show_machine(const std::string&) {
+    const SystemInformation information = gather_system_info();
+    print_system_info(information);
+    console::write(system_info_text(information));
+}
+
 void throw_own(const std::string&) {
     throw qmp::InvalidParametersException("Driver::throw_own()", "An exception of the program's own.");
 }
@@ -108,6 +116,7 @@ const std::map<std::string, void (*)(const std::string&)> actions = {
     {"abort", end_badly},
     {"fatal", use_fatal_error},
     {"features", show_features},
+    {"machine", show_machine},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {
