@@ -76,7 +76,8 @@ CpuidLeaves read_cpuid() {
     if (leaves.leaf_0.eax >= 1) leaves.leaf_1 = read_cpuid_leaf(1);
     if (leaves.leaf_0.eax >= 7) leaves.leaf_7 = read_cpuid_leaf(7);
     leaves.leaf_80000000 = read_cpuid_leaf(extended_cpuid_base);
-    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1) leaves.leaf_80000001 = read_cpuid_leaf(extended_cpuid_base + 1);
+    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1)
+        leaves.leaf_80000001 = read_cpuid_leaf(extended_cpuid_base + 1);
     if (bit(leaves.leaf_1.ecx, os_saves_extended_state)) leaves.xcr0 = read_xcr0();
     return leaves;
 }
@@ -94,7 +95,8 @@ ProcessorFeatures features_of(const CpuidLeaves& leaves) {
         features.os_avx512 = saved && (leaves.xcr0 & avx512_state) == avx512_state;
     }
     if (leaves.leaf_0.eax >= 7) set_leaf_7_features(features, leaves.leaf_7);
-    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1) set_extended_features(features, leaves.leaf_80000001);
+    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1)
+        set_extended_features(features, leaves.leaf_80000001);
     return features;
 }
 

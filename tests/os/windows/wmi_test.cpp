@@ -27,18 +27,20 @@ class FakeService final : public WmiService {
     std::optional<std::vector<WmiRow>> query(std::string_view language, std::string_view query,
                                              std::span<const std::string_view> properties) override {
         if (!step(4, std::string(language) + ": " + std::string(query))) return std::nullopt;
+        for (const std::string_view property : properties) asked += std::string(property) + ",";
         std::vector<WmiRow> rows;
         for (const WmiRow& row : rows_) {
-            WmiRow& asked = rows.emplace_back();
+            WmiRow& result = rows.emplace_back();
             for (const std::string_view property : properties) {
                 const auto value = row.find(property);
-                asked[std::string(property)] = value == row.end() ? "" : value->second;
+                result[std::string(property)] = value == row.end() ? "" : value->second;
             }
         }
         return rows;
     }
 
     std::string steps;
+    std::string asked;  // the properties
 
   private:
     bool step(int number, const std::string& text) {
@@ -115,6 +117,7 @@ TEST(Wmi, TheSerialNumberIsNotReadUnlessAskedFor) {
     const Motherboard board = motherboard_of(service, SerialNumber::leave_out);
     EXPECT_EQ(board.manufacturer, "Maker");
     EXPECT_EQ(board.serial_number, "");
+    EXPECT_EQ(service.asked, "Manufacturer,Product,Version,");
 }
 
 TEST(Wmi, EveryRowIsAMemoryModule) {
@@ -127,6 +130,8 @@ TEST(Wmi, EveryRowIsAMemoryModule) {
     EXPECT_EQ(modules[1].manufacturer, "Other");
     EXPECT_EQ(modules[1].part_number, "");
     EXPECT_EQ(modules[1].capacity, "8589934592");
+    // Modules have serial numbers too, which are nobody's business.
+    EXPECT_EQ(service.asked, "Manufacturer,PartNumber,Capacity,");
     EXPECT_TRUE(service.steps.ends_with("WQL: SELECT * FROM Win32_PhysicalMemory;")) << service.steps;
 }
 
