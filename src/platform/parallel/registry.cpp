@@ -5,9 +5,13 @@
 
 #include "console/format.h"
 #include "errors/exception.h"
+#include "platform/os/thread_pool.h"
 #include "platform/os/threads.h"
+#include "platform/parallel/async_parallelizer.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/serial_parallelizer.h"
+#include "platform/parallel/spawn_parallelizer.h"
+#include "platform/parallel/windows_pool_parallelizer.h"
 
 namespace qmp {
 namespace {
@@ -20,7 +24,10 @@ Registry& registry() {
         Registry frameworks(
             {"Duplicate Framework Type", "make_parallelizer()", "Invalid Parallel Framework: "});
         frameworks.add<SerialParallelizer>();
+        frameworks.add<AsyncParallelizer>();
+        frameworks.add<SpawnParallelizer>();
         frameworks.add<PushPoolParallelizer>();
+        if (os::system_thread_pool() != nullptr) frameworks.add<WindowsPoolParallelizer>();
         return frameworks;
     }();
     return instance;
