@@ -51,6 +51,10 @@ std::vector<std::string> parallelizer_display_names() {
     return registry().display_names();
 }
 
+const std::vector<std::string>& parallelizer_keys() {
+    return registry().keys();
+}
+
 std::unique_ptr<BasicParallelizer> make_parallelizer_by_number(std::uint64_t menu_number) {
     return registry().create(menu_number);
 }

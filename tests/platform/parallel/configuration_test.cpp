@@ -4,8 +4,8 @@
 #include "errors/exception.h"
 #include "platform/parallel/async_parallelizer.h"
 #include "platform/parallel/push_pool_parallelizer.h"
+#include "platform/parallel/registry.h"
 #include "platform/parallel/settings.h"
-#include "support/frameworks.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ TEST(ParallelConfiguration, IsWrittenInOrder) {
 }
 
 TEST(ParallelConfiguration, OfEveryFrameworkComesBack) {
-    for (const std::string& key : kelvara_test::framework_keys()) {
+    for (const std::string& key : qmp::parallelizer_keys()) {
         const auto framework = qmp::make_parallelizer(key);
         framework->handle_menu_option(key == "pushpool" ? 5 : 4);
         if (key == "pushpool") framework->threads = 65536;

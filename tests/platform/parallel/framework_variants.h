@@ -11,9 +11,9 @@
 #include "platform/parallel/async_parallelizer.h"
 #include "platform/parallel/halving_parallelizer.h"
 #include "platform/parallel/push_pool_parallelizer.h"
+#include "platform/parallel/registry.h"
 #include "platform/parallel/thread_pool_fake.h"
 #include "platform/parallel/windows_pool_parallelizer.h"
-#include "support/frameworks.h"
 
 namespace kelvara_test {
 
@@ -39,7 +39,7 @@ struct FrameworkVariant {
 
 inline std::vector<FrameworkVariant> framework_variants() {
     std::vector<FrameworkVariant> variants;
-    for (const std::string& key : framework_keys()) variants.push_back({key, key});
+    for (const std::string& key : qmp::parallelizer_keys()) variants.push_back({key, key});
     variants.insert(variants.end(), {{"cppasync_or_deferred", "cppasync", 0, false},
                                      {"pushpool_in_order", "pushpool", 0, false},
                                      {"pushpool_limit_1", "pushpool", 1},

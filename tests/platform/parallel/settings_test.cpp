@@ -49,6 +49,9 @@ TEST(ParallelizerRegistry, ListsTheFrameworksInMenuOrder) {
                                       "Thread Spawn (1 Thread/Task)", "Push Pool"};
     if (has_thread_pool) names.emplace_back("Windows Thread Pool");
     EXPECT_EQ(qmp::parallelizer_display_names(), names);
+    std::vector<std::string> keys = {"none", "cppasync", "spawn", "pushpool"};
+    if (has_thread_pool) keys.emplace_back("winpool");
+    EXPECT_EQ(qmp::parallelizer_keys(), keys);
 }
 
 TEST(ParallelizerRegistry, KnowsTheThreadPoolWhereTheSystemHasOne) {
