@@ -11,11 +11,11 @@ namespace qmp {
 
 void AsyncParallelizer::run_in_parallel(BasicAction& a, BasicAction& b) {
     // Outlives the future, whose destructor waits for the call.
-    TaskElsewhere elsewhere;
-    std::future<void> future = std::async(launch_policy_, [&a, &elsewhere] {
+    Pair pair(*this);
+    std::future<void> future = std::async(launch_policy_, [&a, &pair] {
         os::prepare_thread_for_crashes();
         a.run(0);
-        elsewhere.end();
+        pair.end_task();
     });
     b.run(0);
     const ThreadAtRest at_rest;

@@ -26,23 +26,6 @@ class SpareProcessor {
     static std::atomic<std::int64_t> at_work_;
 };
 
-// A task that another thread is about to run: counts as work until that thread says that it is over, or
-// until its owner lets go of it, who may find that it never ran.
-class TaskElsewhere {
-  public:
-    TaskElsewhere() { SpareProcessor::begin_work(); }
-    ~TaskElsewhere() { end(); }
-    TaskElsewhere(const TaskElsewhere&) = delete;
-    TaskElsewhere& operator=(const TaskElsewhere&) = delete;
-
-    void end() {
-        if (!ended_.exchange(true, std::memory_order_relaxed)) SpareProcessor::end_work();
-    }
-
-  private:
-    std::atomic<bool> ended_{false};
-};
-
 // The calling thread waits for others and leaves its processor to them.
 class ThreadAtRest {
   public:

@@ -10,10 +10,10 @@ SpawnParallelizer::SpawnParallelizer(StartThread start_thread)
     : HalvingParallelizer(usual_most_pairs()), start_thread_(std::move(start_thread)) {}
 
 void SpawnParallelizer::run_in_parallel(BasicAction& a, BasicAction& b) {
-    TaskElsewhere elsewhere;
-    JoiningThread thread(start_thread_([&a, &elsewhere] {
+    Pair pair(*this);
+    JoiningThread thread(start_thread_([&a, &pair] {
         a.run(0);
-        elsewhere.end();
+        pair.end_task();
     }));
     b.run(0);
     const ThreadAtRest at_rest;

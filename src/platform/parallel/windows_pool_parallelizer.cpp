@@ -23,10 +23,11 @@ namespace {
     console::terminate(1);
 }
 
-// Runs the action's task 0.
+// Runs an action's task 0 and then something that must not throw.
+template <typename Afterwards>
 class FirstTask final : public os::ThreadPoolTask {
   public:
-    explicit FirstTask(BasicAction& action) : action_(action) {}
+    FirstTask(BasicAction& action, Afterwards afterwards) : action_(action), afterwards_(afterwards) {}
 
     void run() noexcept override {
         os::prepare_thread_for_crashes();
@@ -35,12 +36,12 @@ class FirstTask final : public os::ThreadPoolTask {
         } catch (...) {
             end_after_exception();
         }
-        elsewhere_.end();
+        afterwards_();
     }
 
   private:
     BasicAction& action_;
-    TaskElsewhere elsewhere_;
+    Afterwards afterwards_;
 };
 
 // A task in the pool's hands until the end of its life.
@@ -70,7 +71,8 @@ class SubmittedWork {
 }  // namespace
 
 void WindowsPoolParallelizer::run_in_parallel(BasicAction& a, BasicAction& b) {
-    FirstTask task(a);
+    Pair pair(*this);
+    FirstTask task(a, [&pair] { pair.end_task(); });
     const SubmittedWork work(pool_, task);
     b.run(0);
 }

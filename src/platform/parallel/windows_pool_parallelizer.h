@@ -26,7 +26,7 @@ class WindowsPoolParallelizer final : public HalvingParallelizer {
   private:
     // The pool holds at most 500 threads. Were that many to wait for tasks that have none, nothing
     // would ever go on.
-    static constexpr std::uint64_t most_pairs = 400;
+    static constexpr std::uint64_t most_pairs = 200;
 
     os::ThreadPool& pool_;
 };
