@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "constants/catalogue.h"
 #include "sessions/ram_session.h"
@@ -65,7 +66,7 @@ inline std::string file_content(const std::string& path) {
 }
 
 inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std::uint64_t tasks,
-                           const char* framework, qmp::Progress* observer = nullptr) {
+                           std::string_view framework, qmp::Progress* observer = nullptr) {
     TemporaryFolder folder;
     kelvara::RamSettings settings;
     settings.set_constant(kelvara::make_constant(kelvara::constant_id(algorithm.constant)));
