@@ -19,8 +19,8 @@ TEST(AllocatorRegistry, MakesAllocatorsByKey) {
     const auto allocator = qmp::make_allocator("malloc");
     EXPECT_STREQ(allocator->get_type_name(), "malloc");
     EXPECT_STREQ(allocator->get_display_name(), "C malloc()");
-    EXPECT_EQ(qmp::allocator_display_names(), (std::vector<std::string>{"C malloc()"}));
-    EXPECT_STREQ(qmp::make_default_allocator()->get_type_name(), "malloc");
+    EXPECT_EQ(qmp::allocator_display_names(),
+              (std::vector<std::string>{"C malloc()", qmp::os::page_interface_name(), "Node Interleaving"}));
 }
 
 TEST(AllocatorRegistry, RefusesUnknownKeys) {
@@ -33,11 +33,16 @@ TEST(AllocatorRegistry, RefusesUnknownKeys) {
 }
 
 TEST(AllocatorMenu, ListsAndMakesTheChosenOne) {
-    const kelvara_test::FedInput typed("1\n0\n");
-    std::unique_ptr<qmp::BasicAllocator> chosen;
-    EXPECT_EQ(printed_by([&] { chosen = qmp::select_allocator(); }),
-              "Select a Memory Allocator:\n\n   0    C malloc()\n\noption: option: ");
-    EXPECT_STREQ(chosen->get_type_name(), "malloc");
+    const std::string pages = qmp::os::page_interface_name();
+    const char* const keys[] = {"malloc", "mmap", "interleave"};
+    for (int number = 0; number < 3; ++number) {
+        const kelvara_test::FedInput typed("3\n-1\n" + std::to_string(number) + "\n");
+        std::unique_ptr<qmp::BasicAllocator> chosen;
+        EXPECT_EQ(printed_by([&] { chosen = qmp::select_allocator(); }),
+                  "Select a Memory Allocator:\n\n   0    C malloc()\n   1    " + pages +
+                      "\n   2    Node Interleaving\n\noption: option: option: ");
+        EXPECT_STREQ(chosen->get_type_name(), keys[number]);
+    }
 }
 
 TEST(MallocAllocator, HasNoSettings) {
