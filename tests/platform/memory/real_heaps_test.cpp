@@ -5,6 +5,7 @@
 #include "platform/memory/mmap_allocator.h"
 #include "platform/memory/registry.h"
 #include "platform/os/memory.h"
+#include "platform/os/process.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "support/console.h"
 
@@ -107,10 +108,11 @@ TEST(RealHeaps, WhatTheMachineCannotHoldIsRefused) {
         const auto allocator = qmp::make_allocator(key);
         EXPECT_EQ(allocator->create_heap(std::uint64_t{1} << 60, nullptr, 1)->base, nullptr) << key;
         EXPECT_EQ(allocator->create_heap(~std::uint64_t{0}, nullptr, 1)->base, nullptr) << key;
-        if (const std::uint64_t most = qmp::os::committable_memory()) {
-            EXPECT_EQ(allocator->create_heap(most + (std::uint64_t{1} << 34), nullptr, 1)->base, nullptr)
-                << key;
-        }
+        // More than there is, and less than the address space holds: a system that counts what it has
+        // promised knows when the pages are asked for, one that does not must be asked before.
+        const std::uint64_t most = qmp::os::committable_memory();
+        if (most == 0 || qmp::os::system_name() != "Linux") continue;
+        EXPECT_EQ(allocator->create_heap(most + (std::uint64_t{1} << 34), nullptr, 1)->base, nullptr) << key;
     }
 }
 
