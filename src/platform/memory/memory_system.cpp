@@ -4,14 +4,15 @@
 #include <string>
 
 #include "console/console.h"
+#include "platform/topology.h"
 
 namespace qmp {
 namespace {
 
 class MachineNodes final : public NodeTopology {
   public:
-    std::uint64_t count() const override { return 1; }
-    bool bind_thread(std::uint64_t node) const override { return node == 0; }
+    std::uint64_t count() const override { return numa_table().size(); }
+    bool bind_thread(std::uint64_t node) const override { return bind_to_numa_node(node); }
 };
 
 }  // namespace

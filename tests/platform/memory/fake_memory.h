@@ -162,7 +162,7 @@ class FakeNodes final : public qmp::NodeTopology {
     }
 };
 
-struct FakeMachine {
+struct FakeMemoryMachine {
     FakePages pages;
     FakeLockRight right;
     FakeNodes nodes;

@@ -13,14 +13,14 @@
 namespace {
 
 using kelvara_test::expect_filled;
-using kelvara_test::FakeMachine;
+using kelvara_test::FakeMemoryMachine;
 using kelvara_test::printed_by;
 using qmp::InterleaveAllocator;
 using qmp::PageMode;
 
 using Nodes = std::vector<std::uint64_t>;
 
-std::unique_ptr<qmp::HeapBlock> heap_of(FakeMachine& machine, const Nodes& nodes, bool hashed,
+std::unique_ptr<qmp::HeapBlock> heap_of(FakeMemoryMachine& machine, const Nodes& nodes, bool hashed,
                                         std::uint64_t bytes, PageMode locked = PageMode::disabled) {
     InterleaveAllocator allocator(machine.system());
     allocator.nodes = nodes;
@@ -68,7 +68,7 @@ TEST(Crc32c, IsTheSameWithAndWithoutTheInstruction) {
 }
 
 TEST(InterleaveAllocator, GoesRoundTheNodesPageByPage) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(2);
     const auto block = heap_of(machine, {0, 0, 1}, false, 99 * 4096 - 5);
     ASSERT_NE(block->base, nullptr);
@@ -92,7 +92,7 @@ TEST(InterleaveAllocator, GoesRoundTheNodesPageByPage) {
 }
 
 TEST(InterleaveAllocator, HashesTheAddressesOfPages) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(3);
     const auto block = heap_of(machine, {2, 0, 1}, true, 500 * 4096);
     ASSERT_NE(block->base, nullptr);
@@ -109,7 +109,7 @@ TEST(InterleaveAllocator, HashesTheAddressesOfPages) {
 }
 
 TEST(InterleaveAllocator, EvenSharesAreASpreadOfOne) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(2);
     const auto block = heap_of(machine, {0, 1}, false, 100 * 4096);
     EXPECT_EQ(block->spread->spread, 1.0);
@@ -117,14 +117,14 @@ TEST(InterleaveAllocator, EvenSharesAreASpreadOfOne) {
 }
 
 TEST(InterleaveAllocator, SharesOfThreeToOneAreHalfASpread) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(2);
     const auto block = heap_of(machine, {0, 0, 0, 1}, false, 100 * 4096);
     EXPECT_DOUBLE_EQ(block->spread->spread, 0.5);
 }
 
 TEST(InterleaveAllocator, ASystemThatDoesNotTellLeavesTheSpreadOpen) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     const auto block = heap_of(machine, {7}, false, 100 * 4096);  // not a node; the pages come from elsewhere
     ASSERT_NE(block->base, nullptr);
     EXPECT_EQ(block->spread->nodes, 0u);
@@ -133,7 +133,7 @@ TEST(InterleaveAllocator, ASystemThatDoesNotTellLeavesTheSpreadOpen) {
 }
 
 TEST(InterleaveAllocator, APageThatItsNodeRefusesComesFromAnother) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(2);
     machine.pages.full_node = 1;
     machine.pages.node_of_others = 0;
@@ -148,7 +148,7 @@ TEST(InterleaveAllocator, APageThatItsNodeRefusesComesFromAnother) {
 TEST(InterleaveAllocator, OnePageThatCannotBeHadFailsTheBlock) {
     for (const bool hashed : {true, false}) {
         for (const std::int64_t broken : {0, 5, 9}) {
-            FakeMachine machine;
+            FakeMemoryMachine machine;
             machine.set_nodes(2);
             machine.pages.broken_page = broken;
             const auto block = heap_of(machine, {0, 1}, hashed, 10 * 4096, PageMode::attempt);
@@ -160,7 +160,7 @@ TEST(InterleaveAllocator, OnePageThatCannotBeHadFailsTheBlock) {
 }
 
 TEST(InterleaveAllocator, ARegionThatCannotBeReservedFailsTheBlock) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.normal_pages_left = false;
     EXPECT_EQ(heap_of(machine, {0}, true, 4096)->base, nullptr);
     EXPECT_EQ(heap_of(machine, {0}, true, ~std::uint64_t{0})->base, nullptr);
@@ -168,7 +168,7 @@ TEST(InterleaveAllocator, ARegionThatCannotBeReservedFailsTheBlock) {
 }
 
 TEST(InterleaveAllocator, FewerPagesThanNodesLeaveSomeWithoutWork) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(4);
     const auto block = heap_of(machine, {0, 1, 2, 3}, false, 1);
     EXPECT_EQ(block->size, 4096u);
@@ -176,7 +176,7 @@ TEST(InterleaveAllocator, FewerPagesThanNodesLeaveSomeWithoutWork) {
 }
 
 TEST(InterleaveAllocator, LocksTheWholeBlock) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     EXPECT_EQ(heap_of(machine, {0}, true, 8192, PageMode::attempt)->locked, 1.0);
     EXPECT_EQ(machine.pages.locked_bytes, 8192u);
     machine.pages.placed.clear();
@@ -191,7 +191,7 @@ TEST(InterleaveAllocator, LocksTheWholeBlock) {
 }
 
 TEST(InterleaveAllocator, AsksForThePrivilegeOnlyToLock) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.right.held = false;
     InterleaveAllocator allocator(machine.system());
     allocator.locked_pages = PageMode::disabled;
@@ -205,7 +205,7 @@ TEST(InterleaveAllocator, AsksForThePrivilegeOnlyToLock) {
 }
 
 TEST(InterleaveAllocator, StandsForEveryNodeAtFirst) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(4);
     const InterleaveAllocator allocator(machine.system());
     EXPECT_EQ(allocator.nodes, (Nodes{0, 1, 2, 3}));
@@ -216,7 +216,7 @@ TEST(InterleaveAllocator, StandsForEveryNodeAtFirst) {
 }
 
 TEST(InterleaveAllocatorMenu, ShowsNodesMappingAndLocking) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(3);
     InterleaveAllocator allocator(machine.system());
     std::uint64_t highest = 0;
@@ -238,7 +238,7 @@ TEST(InterleaveAllocatorMenu, ShowsNodesMappingAndLocking) {
 }
 
 TEST(InterleaveAllocatorMenu, NodesAreEnteredOneByOne) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.set_nodes(2);
     InterleaveAllocator allocator(machine.system());
     {
@@ -259,7 +259,7 @@ TEST(InterleaveAllocatorMenu, NodesAreEnteredOneByOne) {
 }
 
 TEST(InterleaveAllocatorSettings, ComeBackAsTheyWerePrinted) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     InterleaveAllocator allocator(machine.system());
     allocator.hashed = false;
     allocator.locked_pages = PageMode::forced;
@@ -275,7 +275,7 @@ TEST(InterleaveAllocatorSettings, ComeBackAsTheyWerePrinted) {
 }
 
 TEST(InterleaveAllocatorSettings, BrokenRecordsChangeNothing) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     InterleaveAllocator allocator(machine.system());
     const std::string before = allocator.print_settings();
     qmp::TextCursor too_short("0 2 3 1 1");
@@ -288,7 +288,7 @@ TEST(InterleaveAllocatorSettings, BrokenRecordsChangeNothing) {
 }
 
 TEST(InterleaveAllocatorConfig, ComesBackAsItWasWritten) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     InterleaveAllocator allocator(machine.system());
     allocator.hashed = false;
     allocator.locked_pages = PageMode::disabled;
@@ -308,7 +308,7 @@ TEST(InterleaveAllocatorConfig, ComesBackAsItWasWritten) {
 
 template <typename Exception>
 std::string refusal_of(const qmp::notation::Object& object) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     InterleaveAllocator allocator(machine.system());
     const std::string before = allocator.print_settings();
     std::string message = "nothing was thrown";
@@ -346,7 +346,7 @@ TEST(InterleaveAllocatorConfig, RefusesWhatIsWrong) {
 }
 
 TEST(DefaultAllocator, FollowsTheNumberOfNodes) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     for (const std::uint64_t one_at_most : {0, 1}) {
         machine.set_nodes(one_at_most);
         EXPECT_EQ(qmp::make_default_allocator(machine.system())->print_settings(),

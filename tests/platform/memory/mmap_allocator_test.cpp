@@ -14,14 +14,14 @@
 namespace {
 
 using kelvara_test::expect_filled;
-using kelvara_test::FakeMachine;
+using kelvara_test::FakeMemoryMachine;
 using kelvara_test::printed_by;
 using qmp::MmapAllocator;
 using qmp::PageMode;
 
 constexpr std::uint64_t large_page = std::uint64_t{1} << 16;
 
-std::unique_ptr<qmp::HeapBlock> heap_of(FakeMachine& machine, PageMode large, PageMode locked,
+std::unique_ptr<qmp::HeapBlock> heap_of(FakeMemoryMachine& machine, PageMode large, PageMode locked,
                                         std::uint64_t bytes) {
     MmapAllocator allocator(machine.system());
     allocator.large_pages = large;
@@ -30,7 +30,7 @@ std::unique_ptr<qmp::HeapBlock> heap_of(FakeMachine& machine, PageMode large, Pa
 }
 
 TEST(MmapAllocator, LargePagesCountAsLocked) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.large_page = large_page;
     machine.pages.large_pages_left = true;
     for (const PageMode large : {PageMode::attempt, PageMode::forced}) {
@@ -50,7 +50,7 @@ TEST(MmapAllocator, LargePagesCountAsLocked) {
 }
 
 TEST(MmapAllocator, LargePagesAreFilledAsOneRange) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.large_page = large_page;
     machine.pages.large_pages_left = true;
     qmp::PushPoolParallelizer framework;
@@ -60,7 +60,7 @@ TEST(MmapAllocator, LargePagesAreFilledAsOneRange) {
 }
 
 TEST(MmapAllocator, NormalPagesAreFilledInParallel) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     qmp::PushPoolParallelizer framework;
     MmapAllocator allocator(machine.system());
     const auto block = allocator.create_heap(4 * 4096, &framework, 16);
@@ -68,7 +68,7 @@ TEST(MmapAllocator, NormalPagesAreFilledInParallel) {
 }
 
 TEST(MmapAllocator, AttemptFallsBackToNormalPages) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.large_page = large_page;
     const auto block = heap_of(machine, PageMode::attempt, PageMode::attempt, 4097);
     ASSERT_NE(block->base, nullptr);
@@ -84,7 +84,7 @@ TEST(MmapAllocator, AttemptFallsBackToNormalPages) {
 }
 
 TEST(MmapAllocator, WhatTheSystemJoinsByItselfIsTold) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.share_by_itself = {0.75, large_page};
     const auto block = heap_of(machine, PageMode::attempt, PageMode::disabled, 4096);
     EXPECT_EQ(block->large, 0.75);
@@ -93,7 +93,7 @@ TEST(MmapAllocator, WhatTheSystemJoinsByItselfIsTold) {
 }
 
 TEST(MmapAllocator, DisabledLargePagesAreNotAskedFor) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.large_page = large_page;
     machine.pages.large_pages_left = true;
     machine.pages.share_by_itself = {0.75, large_page};
@@ -106,7 +106,7 @@ TEST(MmapAllocator, DisabledLargePagesAreNotAskedFor) {
 }
 
 TEST(MmapAllocator, ForcedLargePagesAreNoNormalOnes) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     for (const std::uint64_t page : {std::uint64_t{0}, large_page}) {
         machine.pages.large_page = page;
         EXPECT_EQ(heap_of(machine, PageMode::forced, PageMode::attempt, 4096)->base, nullptr);
@@ -115,7 +115,7 @@ TEST(MmapAllocator, ForcedLargePagesAreNoNormalOnes) {
 }
 
 TEST(MmapAllocator, ABlockThatCannotBeLockedIsKeptUnlessForced) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.lockable = false;
     const auto block = heap_of(machine, PageMode::disabled, PageMode::attempt, 4096);
     ASSERT_NE(block->base, nullptr);
@@ -129,7 +129,7 @@ TEST(MmapAllocator, ABlockThatCannotBeLockedIsKeptUnlessForced) {
 }
 
 TEST(MmapAllocator, WithoutThePrivilegeTheCallsDecide) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.right.held = false;
     EXPECT_EQ(heap_of(machine, PageMode::attempt, PageMode::attempt, 4096)->locked, 1.0);
     machine.pages.lockable = false;
@@ -137,7 +137,7 @@ TEST(MmapAllocator, WithoutThePrivilegeTheCallsDecide) {
 }
 
 TEST(MmapAllocator, WithoutMemoryTheBaseIsNull) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.pages.normal_pages_left = false;
     EXPECT_EQ(heap_of(machine, PageMode::attempt, PageMode::attempt, 4096)->base, nullptr);
     machine.pages.large_page = large_page;
@@ -150,7 +150,7 @@ TEST(MmapAllocator, AsksForThePrivilegeThatItsModesNeed) {
     for (const bool held : {true, false}) {
         for (const PageMode large : {PageMode::disabled, PageMode::attempt, PageMode::forced}) {
             for (const PageMode locked : {PageMode::disabled, PageMode::attempt, PageMode::forced}) {
-                FakeMachine machine;
+                FakeMemoryMachine machine;
                 machine.right.held = held;
                 MmapAllocator allocator(machine.system());
                 allocator.large_pages = large;
@@ -303,7 +303,7 @@ TEST(PageMode, ANumberThatIsNoModeHasNoText) {
 
 #if GTEST_HAS_DEATH_TEST
 TEST(MmapAllocatorDeathTest, ForcedPagesThatCannotBeHadEndTheProgram) {
-    FakeMachine machine;
+    FakeMemoryMachine machine;
     machine.right.held = false;
     machine.pages.large_page = large_page;
     MmapAllocator allocator(machine.system());
