@@ -149,12 +149,17 @@ TEST(LargeHeap, DescribesTheBlock) {
     EXPECT_EQ(description_of({0, 0, 0, nullptr}), "1.00 GiB");
     EXPECT_EQ(description_of({1.0, 0, 4096, nullptr}), "1.00 GiB  (locked)");
     EXPECT_EQ(description_of({0.999, 0, 4096, nullptr}), "1.00 GiB  (99% locked)");
+    EXPECT_EQ(description_of({0.001, 0, 4096, nullptr}), "1.00 GiB  (0% locked)");
+    EXPECT_EQ(description_of({0, 0.999, 2 << 20, nullptr}), "1.00 GiB  (99% 2.00 MiB pages)");
+    EXPECT_EQ(description_of({0, 1.0, 0, nullptr}), "1.00 GiB  (large pages)");
     EXPECT_EQ(description_of({1.0, 1.0, 2 << 20, nullptr}), "1.00 GiB  (locked, 2.00 MiB pages)");
     EXPECT_EQ(description_of({0, 0.5, 0, nullptr}), "1.00 GiB  (50% large pages)");
     EXPECT_EQ(description_of({0.25, 0.5, 2 << 20, spread(4, 0.876)}),
               "1.00 GiB  (25% locked, 50% 2.00 MiB pages, spread: 87%/4)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(0, -1.0)}), "1.00 GiB  (spread: ?)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(2, -1.0)}), "1.00 GiB  (spread: ?)");
+    EXPECT_EQ(description_of({0, 0, 4096, spread(2, 0.0)}), "1.00 GiB  (spread: 0%/2)");
+    EXPECT_EQ(description_of({1.0, 0, 4096, spread(16, 0.999)}), "1.00 GiB  (locked, spread: 99%/16)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(1, 1.0)}), "1.00 GiB  (spread: 100%/1)");
 }
 
