@@ -33,6 +33,8 @@ constexpr ErrorCode name_too_long = 206;
 constexpr ErrorCode file_too_large = 223;
 constexpr ErrorCode io_device_failure = 1117;
 constexpr ErrorCode device_not_connected = 1167;
+constexpr ErrorCode not_all_assigned = 1300;
+constexpr ErrorCode no_such_privilege = 1313;
 constexpr ErrorCode foreign_error = 0x20000000;
 
 }  // namespace qmp::os
