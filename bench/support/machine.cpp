@@ -25,7 +25,7 @@ std::string processor_name() {
 
 }  // namespace
 
-void print_machine() {
+void print_processor() {
     const std::time_t seconds = std::time(nullptr);
     char date[32];
     std::strftime(date, sizeof date, "%Y-%m-%d %H:%M UTC", std::gmtime(&seconds));
@@ -37,6 +37,10 @@ void print_machine() {
 #else
     std::printf("Compiler:   g++ %s\n", __VERSION__);
 #endif
+}
+
+void print_machine() {
+    print_processor();
     std::printf("Beside it:  GMP %s, one thread\n", gmp_version);
 }
 

@@ -3,7 +3,9 @@
 
 namespace bench {
 
-// Date, processor, compiler and GMP.
+// Date, processor and compiler.
+void print_processor();
+// And GMP.
 void print_machine();
 
 }  // namespace bench

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <thread>
 #include <vector>
 
 namespace bench {
@@ -47,11 +48,17 @@ struct Rival {
     }
 };
 
-void measure_in_turns(std::vector<Rival>& rivals, double budget) {
+void measure_in_turns(std::vector<Rival>& rivals, double budget, double rest) {
     const double start = now();
     for (std::size_t round = 0; round < most_rounds; ++round) {
         if (round >= fewest_rounds && now() - start > budget) break;
-        for (Rival& rival : rivals) rival.measure();
+        for (Rival& rival : rivals) {
+            if (rest > 0) {
+                std::this_thread::sleep_for(std::chrono::duration<double>(rest));
+                (*rival.run)();
+            }
+            rival.measure();
+        }
     }
 }
 
@@ -61,16 +68,21 @@ void use_processor_time(bool on) {
     processor_time = on;
 }
 
+std::vector<double> measure(const std::vector<Run>& runs, double budget, double rest) {
+    std::vector<Rival> rivals(runs.begin(), runs.end());
+    measure_in_turns(rivals, budget, rest);
+    std::vector<double> medians;
+    for (Rival& rival : rivals) medians.push_back(rival.median());
+    return medians;
+}
+
 Pair measure(const Run& ours, const Run& rival, double budget) {
-    std::vector<Rival> rivals = {Rival(ours), Rival(rival)};
-    measure_in_turns(rivals, budget);
-    return {rivals[0].median(), rivals[1].median()};
+    const std::vector<double> medians = measure(std::vector<Run>{ours, rival}, budget);
+    return {medians[0], medians[1]};
 }
 
 double measure(const Run& ours, double budget) {
-    std::vector<Rival> rivals = {Rival(ours)};
-    measure_in_turns(rivals, budget);
-    return rivals[0].median();
+    return measure(std::vector<Run>{ours}, budget)[0];
 }
 
 }  // namespace bench

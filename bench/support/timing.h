@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace bench {
 
@@ -22,5 +23,8 @@ struct Pair {
 // at least and 15 at most.
 Pair measure(const Run& ours, const Run& rival, double budget);
 double measure(const Run& ours, double budget);
+// Any number of rivals. `rest` seconds of sleep and one run that does not count precede each round, so that
+// threads which a rival left waiting awake have gone to sleep.
+std::vector<double> measure(const std::vector<Run>& runs, double budget, double rest = 0);
 
 }  // namespace bench

@@ -42,6 +42,7 @@ class ComponentRegistry {
             console::terminate(1);
         }
         in_menu_order_.push_back(entry->second.get());
+        keys_in_menu_order_.push_back(entry->first);
     }
 
     // A class that names itself by its constants type_name and display_name.
@@ -61,6 +62,7 @@ class ComponentRegistry {
         return in_menu_order_.at(menu_number)->create();
     }
 
+    const std::vector<std::string>& keys() const { return keys_in_menu_order_; }
     std::vector<std::string> display_names() const {
         std::vector<std::string> names;
         for (const auto* factory : in_menu_order_) names.push_back(factory->get_display_name());
@@ -78,6 +80,7 @@ class ComponentRegistry {
     Texts texts_;
     std::map<std::string, std::unique_ptr<ComponentFactory<Component>>, std::less<>> by_key_;
     std::vector<const ComponentFactory<Component>*> in_menu_order_;
+    std::vector<std::string> keys_in_menu_order_;
 };
 
 }  // namespace qmp

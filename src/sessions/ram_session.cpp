@@ -39,7 +39,8 @@ struct RamSession::Memory {
 std::uint64_t RamSession::working_size(const RamComputation& computation) const {
     const std::uint64_t tasks = settings_.task_decomposition();
     const std::uint64_t hexadecimal = settings_.hexadecimal_digits();
-    return std::max({computation.working_bytes(), qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
+    return std::max({computation.working_bytes(),
+                     qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
                      hexadecimal > 0 ? qmp::hexadecimal_output_bytes(hexadecimal, tasks) : 0});
 }
 
@@ -84,6 +85,7 @@ void RamSession::reserve(Memory& memory, const RamComputation& computation) {
     const qmp::ParallelContext parallel = settings_.parallel();
     record_.working_memory = round_down_to_8(working_size(computation) + working_memory_margin);
 
+    settings_.allocator().acquire_privileges();  // warns; the reservation does with what there is
     record_.log.append("Reserving Working Memory");
     qmp::CounterTimePoint step = qmp::now();
     memory.working = qmp::allocate_large_heap(settings_.allocator(), "Reserving Working Memory...     ",
@@ -136,6 +138,10 @@ void RamSession::compute_and_write(Memory& memory, const RamComputation& computa
     settings_.framework().reset();
     record_.log.append("End Computation");
     print_report(record_);
+    // Some systems take their time over it, which is not the computation's.
+    record_.system = gather_system_info();
+    print_system_info(record_.system);
+    console::newline();
     files.rethrow_failure();
 }
 

@@ -102,8 +102,8 @@ TEST(EAndPi, TasksAndFrameworksDoNotMatter) {
     for (const Algorithm& a : algorithms) {
         const ReferenceDigits reference = reference_digits(a.reference, 10000);
         const std::uint64_t p = precision_for_digits(10000);
-        for (std::uint64_t i = 0; i < qmp::parallelizer_display_names().size(); i++) {
-            const auto framework = qmp::make_parallelizer_by_number(i);
+        for (const std::string& key : qmp::parallelizer_keys()) {
+            const auto framework = qmp::make_parallelizer(key);
             for (const std::uint64_t tasks : {1u, 2u, 3u, 7u, 16u, 64u}) {
                 const auto made = computation(a.id, a.keyword, p, tasks);
                 const std::string digits =

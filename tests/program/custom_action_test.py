@@ -46,6 +46,18 @@ class Computing(ProgramTest):
         self.assertEqual(sorted(os.listdir(self.folder)), ["Pi - Dec - Ramanujan.txt"])
         self.assertEqual(sha256_of_file(f"{self.folder}/Pi - Dec - Ramanujan.txt"), reference("pi", 10000)[0])
 
+    def test_every_framework(self):
+        for key, summary in (("none", "None (No Multi-threading)  ->  5 / ?"),
+                             ("cppasync", "C++ std::async()  ->  5 / ?  (async only)"),
+                             ("spawn", "Thread Spawn (1 Thread/Task)  ->  5 / ?"),
+                             ("pushpool", "Push Pool  ->  5 / ?  (randomization on)")):
+            code, output = self.run_program("custom", "pi", "-dec:10k", "-hex:0", f"-PF:{key}", "-TD:5", "-o",
+                                            self.folder)
+            self.assertEqual(code, 0, output)
+            self.assertRegex(output, r"Multi-Threading: +" + re.escape(summary) + "\n")
+            self.assertEqual(sha256_of_file(f"{self.folder}/Pi - Dec - Chudnovsky.txt"), reference("pi", 10000)[0])
+        self.assert_refused("Invalid Parallel Framework: winpool", "custom", "pi", "-PF:winpool")
+
     def test_a_chosen_hexadecimal_count_stays_whatever_the_order(self):
         for arguments in (("-hex:200", "-dec:100"), ("-dec:100", "-hex:200")):
             code, output = self.run_program("custom", "pi", *arguments, "-o", self.folder)
@@ -72,8 +84,20 @@ class Computing(ProgramTest):
                      "Multi-core Efficiency:  ", "Last Digits:  \n"):
             self.assertIn(text, output)
         self.assertIn("2164201989  :  1,000\n", output)
+        self.assert_machine_lines(output[output.index("Binary Hash:"):])
         self.assertIn(self.expected_hash("pi", 1000), output)
         self.assertNotIn("\x1b", output)
+
+    # The machine's lines follow the report, an empty line before and after them.
+    def assert_machine_lines(self, end_of_output):
+        lines = end_of_output.split("\n")
+        first = next(i for i, line in enumerate(lines) if line.startswith("Version:"))
+        self.assertEqual(lines[first - 1], "")
+        labels = [line[:22].rstrip() for line in lines[first:first + 6]]
+        self.assertEqual(labels[:5], ["Version:", "Processor(s):", "Topology:", "Physical Memory:", "Usable Memory:"])
+        self.assertIn(labels[5], ("CPU Base Frequency:", " CPU BaseFrequency:"))
+        self.assertEqual(lines[first + 6], "")
+        self.assertNotIn("Serial", end_of_output)
 
     @staticmethod
     def expected_hash(constant, digits):

@@ -1,7 +1,9 @@
 """The memory of the real program beside the figures that it prints."""
 
+import ctypes
 import os
 import re
+import resource
 import subprocess
 import unittest
 
@@ -56,6 +58,36 @@ class ResidentPeak(ProgramTest):
                         self.assertGreaterEqual(slack, -(working_digit + twiddle_digit))
                         # All that is reserved is filled before the computation begins.
                         self.assertGreaterEqual(peak, working - working_digit)
+
+
+def give_up_locking():
+    """For a child: no right and no limit that lets it lock a page."""
+    drop_from_bounding_set, lock_memory = 24, 14
+    ctypes.CDLL(None).prctl(drop_from_bounding_set, lock_memory, 0, 0, 0)  # refused where there is none anyway
+    resource.setrlimit(resource.RLIMIT_MEMLOCK, (0, 0))
+
+
+class Locking(ProgramTest):
+    def run_without_the_right(self, *arguments):
+        process = subprocess.run(
+            PROGRAM + ["skip-warnings", "custom", "e", "-dec:1000", "-o", self.folder, *arguments],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8", check=True,
+            preexec_fn=give_up_locking)
+        return process.stdout
+
+    WARNING = ('\nUnable to acquire the permission, "CAP_IPC_LOCK".\n'
+               "Large pages and page locking may not be possible.\n\n")
+
+    def test_without_the_right_a_warning_precedes_the_reservation(self):
+        for arguments in ((), ("-MA:mmap",), ("-MA:interleave",)):
+            text = self.run_without_the_right(*arguments)
+            self.assertEqual(text.count(self.WARNING), 1, text)
+            self.assertIn(self.WARNING + "Reserving Working Memory...", text)
+            if not sanitized():  # a sanitizer locks nothing and says that it did
+                self.assertNotIn("locked", text)
+
+    def test_what_locks_nothing_warns_of_nothing(self):
+        self.assertNotIn("Unable to acquire", self.run_without_the_right("-MA:malloc"))
 
 
 if __name__ == "__main__":

@@ -139,9 +139,7 @@ std::vector<ExactValue> block_sum(const Series& series, qmp::ParallelContext par
 
 inline std::vector<std::unique_ptr<qmp::BasicParallelizer>> frameworks() {
     std::vector<std::unique_ptr<qmp::BasicParallelizer>> all;
-    for (std::uint64_t i = 0; i < qmp::parallelizer_display_names().size(); i++) {
-        all.push_back(qmp::make_parallelizer_by_number(i));
-    }
+    for (const std::string& key : qmp::parallelizer_keys()) all.push_back(qmp::make_parallelizer(key));
     return all;
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "constants/size_rules.h"
@@ -39,13 +40,14 @@ struct Value {
     bool operator==(const Value&) const = default;
 };
 
-Value value_of(const Algorithm& algorithm, std::uint64_t digits, std::uint64_t tasks) {
+Value value_of(const Algorithm& algorithm, std::uint64_t digits, std::uint64_t tasks,
+               std::string_view framework_key = "pushpool") {
     const auto constant = make_constant(constant_id(algorithm.constant));
     constant->set_algorithm_keyword(algorithm.keyword);
     constant->set_size(precision_for_digits(digits));
     const auto computation = constant->make_ram_computation(tasks);
     ComputationMemory memory(computation->working_bytes(), computation->largest_product());
-    const auto framework = qmp::make_default_parallelizer();
+    const auto framework = qmp::make_parallelizer(framework_key);
     qmp::SilentProgress progress;
     const qmp::OwnedBigFloat value =
         computation->compute(memory.context({tasks, framework.get()}, &progress));
@@ -58,6 +60,13 @@ TEST_P(Identity, OfFilesForEveryTaskCount) {
     for (const std::uint64_t tasks : {1u, 2u, 3u, 16u}) {
         SCOPED_TRACE(testing::Message() << tasks << " tasks");
         expect_same_files(first, run_session(GetParam(), many_digits, tasks, "pushpool"));
+    }
+}
+
+TEST_P(Identity, OfWordsForEveryFramework) {
+    const Value first = value_of(GetParam(), many_digits, 1, "none");
+    for (const std::string& framework : qmp::parallelizer_keys()) {
+        EXPECT_TRUE(value_of(GetParam(), many_digits, 5, framework) == first) << framework;
     }
 }
 
@@ -97,7 +106,7 @@ INSTANTIATE_EVERY_LEVEL(LevelIdentity);
 TEST(SessionDigits, DoNotDependOnTheFramework) {
     for (const Algorithm& algorithm : {pi_and_e[0], pi_and_e[4]}) {
         const Outcome first = run_session(algorithm, 20'000, 1, "none");
-        for (const char* framework : {"none", "pushpool"}) {
+        for (const std::string& framework : qmp::parallelizer_keys()) {
             for (const std::uint64_t tasks : {1, 2, 7, 64}) {
                 SCOPED_TRACE(testing::Message() << algorithm.constant << " " << framework << " " << tasks);
                 expect_same_files(first, run_session(algorithm, 20'000, tasks, framework));

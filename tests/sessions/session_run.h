@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "constants/catalogue.h"
 #include "sessions/ram_session.h"
@@ -51,6 +52,7 @@ struct Outcome {
     qmp::DigitOutput decimal_output;
     qmp::DigitOutput hexadecimal_output;
     std::string log;
+    kelvara::SystemInformation system;
     std::uint64_t working_memory;
     std::uint64_t working_memory_peak;
     std::uint64_t twiddle_memory;
@@ -64,7 +66,7 @@ inline std::string file_content(const std::string& path) {
 }
 
 inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std::uint64_t tasks,
-                           const char* framework, qmp::Progress* observer = nullptr) {
+                           std::string_view framework, qmp::Progress* observer = nullptr) {
     TemporaryFolder folder;
     kelvara::RamSettings settings;
     settings.set_constant(kelvara::make_constant(kelvara::constant_id(algorithm.constant)));
@@ -84,6 +86,7 @@ inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std
             record.decimal,
             record.hexadecimal,
             record.log.text(),
+            record.system,
             record.working_memory,
             record.working_memory_peak,
             record.twiddle_memory,

@@ -24,12 +24,6 @@ class MallocHeapBlock final : public HeapBlock {
     }
 };
 
-// A system that promises more memory than it has would kill the program in the middle of the fill.
-bool can_be_committed(std::uint64_t bytes) {
-    const std::uint64_t most = os::committable_memory();
-    return most == 0 || bytes <= most;
-}
-
 }  // namespace
 
 std::unique_ptr<HeapBlock> MallocAllocator::create_heap(std::uint64_t bytes, BasicParallelizer* parallelizer,
@@ -37,7 +31,8 @@ std::unique_ptr<HeapBlock> MallocAllocator::create_heap(std::uint64_t bytes, Bas
     constexpr std::uint64_t overhead = 96;
     auto block = std::make_unique<MallocHeapBlock>();
     block->size = bytes;
-    if (bytes > std::numeric_limits<std::uint64_t>::max() - overhead || !can_be_committed(bytes))
+    // A system that promises more memory than it has would kill the program in the middle of the fill.
+    if (bytes > std::numeric_limits<std::uint64_t>::max() - overhead || !os::can_be_committed(bytes))
         return block;
     void* raw = std::malloc(bytes + overhead);
     if (!raw) return block;

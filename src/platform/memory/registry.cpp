@@ -1,6 +1,8 @@
 #include "platform/memory/registry.h"
 
+#include "platform/memory/interleave_allocator.h"
 #include "platform/memory/malloc_allocator.h"
+#include "platform/memory/mmap_allocator.h"
 #include "platform/menu_layout.h"
 
 namespace qmp {
@@ -13,6 +15,8 @@ Registry& registry() {
     static Registry instance = [] {
         Registry allocators({"Duplicate Allocator Type", "make_allocator()", "Invalid Memory Allocator: "});
         allocators.add<MallocAllocator>();
+        allocators.add<MmapAllocator>();
+        allocators.add<InterleaveAllocator>();
         return allocators;
     }();
     return instance;
@@ -28,8 +32,13 @@ std::unique_ptr<BasicAllocator> make_allocator(std::string_view key) {
     return registry().create(key);
 }
 
+std::unique_ptr<BasicAllocator> make_default_allocator(const MemorySystem& system) {
+    if (system.nodes->count() < 2) return std::make_unique<MmapAllocator>(system);
+    return std::make_unique<InterleaveAllocator>(system);
+}
+
 std::unique_ptr<BasicAllocator> make_default_allocator() {
-    return std::make_unique<MallocAllocator>();
+    return make_default_allocator(memory_of_this_machine());
 }
 
 std::vector<std::string> allocator_display_names() {

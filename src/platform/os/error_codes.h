@@ -18,6 +18,7 @@ constexpr ErrorCode too_many_open_files = 4;
 constexpr ErrorCode access_denied = 5;
 constexpr ErrorCode invalid_handle = 6;
 constexpr ErrorCode not_enough_memory = 8;
+constexpr ErrorCode invalid_data = 13;
 constexpr ErrorCode not_same_device = 17;
 constexpr ErrorCode write_fault = 29;
 constexpr ErrorCode read_fault = 30;
@@ -25,12 +26,15 @@ constexpr ErrorCode sharing_violation = 32;
 constexpr ErrorCode file_exists = 80;
 constexpr ErrorCode invalid_parameter = 87;
 constexpr ErrorCode disk_full = 112;
+constexpr ErrorCode call_not_implemented = 120;
 constexpr ErrorCode directory_not_empty = 145;
 constexpr ErrorCode already_exists = 183;
 constexpr ErrorCode name_too_long = 206;
 constexpr ErrorCode file_too_large = 223;
 constexpr ErrorCode io_device_failure = 1117;
 constexpr ErrorCode device_not_connected = 1167;
+constexpr ErrorCode not_all_assigned = 1300;
+constexpr ErrorCode no_such_privilege = 1313;
 constexpr ErrorCode foreign_error = 0x20000000;
 
 }  // namespace qmp::os

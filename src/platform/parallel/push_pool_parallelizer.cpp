@@ -5,12 +5,13 @@
 #include <optional>
 #include <utility>
 
+#include "config/text_cursor.h"
 #include "console/console.h"
 #include "console/input.h"
 #include "platform/menu_layout.h"
 #include "platform/os/threads.h"
+#include "platform/parallel/settings.h"
 #include "platform/parallel/spare_processor.h"
-#include "platform/text_cursor.h"
 #include "platform/thread_group.h"
 
 namespace qmp {
@@ -82,7 +83,7 @@ void PushPoolParallelizer::handle_menu_option(std::uint64_t option) {
     if (option == 4) {
         const std::int64_t limit = console::read_int_in_range("Threads (0 for unlimited threads): ", 0,
                                                               std::numeric_limits<std::int64_t>::max(), 'Y');
-        threads = std::min<std::uint64_t>(static_cast<std::uint64_t>(limit), largest_thread_limit);
+        set_thread_limit(limit);
     } else if (option == 5) {
         set_randomize(!randomize());
     }
@@ -98,9 +99,25 @@ std::string PushPoolParallelizer::print_settings() const {
 }
 
 void PushPoolParallelizer::load_settings(TextCursor& cursor) {
-    threads = static_cast<std::uint64_t>(
-        std::clamp<std::int64_t>(cursor.read_integer(), 0, static_cast<std::int64_t>(largest_thread_limit)));
+    set_thread_limit(cursor.read_integer());
     set_randomize(cursor.read_integer() != 0);
+}
+
+notation::Object PushPoolParallelizer::write_config() const {
+    notation::Object config;
+    config.insert_integer("WorkerThreads", static_cast<std::int64_t>(threads));
+    config.insert_bool("Randomization", randomize());
+    return config;
+}
+
+void PushPoolParallelizer::read_config(const notation::Object& config) {
+    set_thread_limit(config.get_integer("WorkerThreads", parallel_context_name));
+    set_randomize(read_parallel_flag(config, "Randomization"));
+}
+
+void PushPoolParallelizer::set_thread_limit(std::int64_t limit) {
+    threads = static_cast<std::uint64_t>(
+        std::clamp<std::int64_t>(limit, 0, static_cast<std::int64_t>(largest_thread_limit)));
 }
 
 }  // namespace qmp

@@ -38,6 +38,8 @@ class PushPoolParallelizer final : public BasicParallelizer {
     void handle_menu_option(std::uint64_t option) override;
     std::string print_settings() const override;
     void load_settings(TextCursor& cursor) override;
+    notation::Object write_config() const override;
+    void read_config(const notation::Object& config) override;
 
     bool randomize() const { return pool_->randomize.load(); }
     void set_randomize(bool on) { pool_->randomize.store(on); }
@@ -50,6 +52,8 @@ class PushPoolParallelizer final : public BasicParallelizer {
   private:
     std::unique_ptr<PushPool> new_pool(bool randomize_searches) const;
     void hand_over(TaskLatch& latch, std::uint64_t index);
+    // One from a file: cut to 0 to largest_thread_limit.
+    void set_thread_limit(std::int64_t limit);
 
     std::uint16_t creator_group_;  // processor group of the thread that made the framework
     std::unique_ptr<PushPool> pool_;

@@ -2,6 +2,7 @@
 
 #include "console/console.h"
 #include "errors/fatal.h"
+#include "platform/os/thread_start.h"
 #include "platform/parallel/spare_processor.h"
 #include "platform/parallel/spin.h"
 
@@ -35,6 +36,7 @@ bool PushPoolWorker::try_accept(TaskLatch& latch, std::uint64_t index) {
 }
 
 void PushPoolWorker::thread_main(std::uint64_t number, const ThreadStartHook& hook) {
+    os::prepare_thread_for_crashes();
     try {
         if (hook) hook(number);
         run_tasks();

@@ -5,9 +5,13 @@
 
 #include "console/format.h"
 #include "errors/exception.h"
+#include "platform/os/thread_pool.h"
 #include "platform/os/threads.h"
+#include "platform/parallel/async_parallelizer.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/serial_parallelizer.h"
+#include "platform/parallel/spawn_parallelizer.h"
+#include "platform/parallel/windows_pool_parallelizer.h"
 
 namespace qmp {
 namespace {
@@ -20,7 +24,10 @@ Registry& registry() {
         Registry frameworks(
             {"Duplicate Framework Type", "make_parallelizer()", "Invalid Parallel Framework: "});
         frameworks.add<SerialParallelizer>();
+        frameworks.add<AsyncParallelizer>();
+        frameworks.add<SpawnParallelizer>();
         frameworks.add<PushPoolParallelizer>();
+        if (os::system_thread_pool() != nullptr) frameworks.add<WindowsPoolParallelizer>();
         return frameworks;
     }();
     return instance;
@@ -42,6 +49,10 @@ std::unique_ptr<BasicParallelizer> make_default_parallelizer() {
 
 std::vector<std::string> parallelizer_display_names() {
     return registry().display_names();
+}
+
+const std::vector<std::string>& parallelizer_keys() {
+    return registry().keys();
 }
 
 std::unique_ptr<BasicParallelizer> make_parallelizer_by_number(std::uint64_t menu_number) {

@@ -27,6 +27,7 @@ std::unique_ptr<BasicParallelizer> make_parallelizer(std::string_view key);
 std::unique_ptr<BasicParallelizer> make_default_parallelizer();
 // In menu order, numbered from 0.
 std::vector<std::string> parallelizer_display_names();
+const std::vector<std::string>& parallelizer_keys();
 std::unique_ptr<BasicParallelizer> make_parallelizer_by_number(std::uint64_t menu_number);
 
 constexpr std::uint64_t largest_task_decomposition = 65536;

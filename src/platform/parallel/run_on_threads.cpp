@@ -1,45 +1,29 @@
 #include "platform/parallel/run_on_threads.h"
 
-#include <thread>
 #include <vector>
-
-#include "errors/fatal.h"
 
 namespace qmp {
 namespace {
 
-void run_guarded(BasicAction& action, std::uint64_t index) {
-    try {
-        action.run(index);
-    } catch (...) {
-        end_after_child_thread_exception();
-    }
-}
-
-// Joins whatever was started, also when the next thread could not be.
-class JoiningThreads {
-  public:
-    explicit JoiningThreads(std::uint64_t count) { threads_.reserve(count); }
-    ~JoiningThreads() {
-        for (std::thread& thread : threads_) thread.join();
-    }
-    JoiningThreads(const JoiningThreads&) = delete;
-    JoiningThreads& operator=(const JoiningThreads&) = delete;
-
-    void start(BasicAction& action, std::uint64_t index) {
-        threads_.emplace_back(run_guarded, std::ref(action), index);
-    }
-
-  private:
-    std::vector<std::thread> threads_;
-};
+thread_local std::uint32_t value_of_this_thread = 0;
 
 }  // namespace
 
-void run_on_threads(BasicAction& action, std::uint64_t start, std::uint64_t end) {
+void run_on_threads(BasicAction& action, std::uint64_t start, std::uint64_t end, std::uint32_t value,
+                    const StartThread& start_thread) {
     if (end <= start) return;
-    JoiningThreads threads(end - start);
-    for (std::uint64_t i = start; i < end; ++i) threads.start(action, i);
+    std::vector<JoiningThread> threads;
+    threads.reserve(end - start);
+    for (std::uint64_t i = start; i < end; ++i) {
+        threads.emplace_back(start_thread([&action, i, value] {
+            value_of_this_thread = value;
+            action.run(i);
+        }));
+    }
+}
+
+std::uint32_t thread_value() {
+    return value_of_this_thread;
 }
 
 }  // namespace qmp

@@ -26,4 +26,13 @@ class SpareProcessor {
     static std::atomic<std::int64_t> at_work_;
 };
 
+// The calling thread waits for others and leaves its processor to them.
+class ThreadAtRest {
+  public:
+    ThreadAtRest() { SpareProcessor::end_work(); }
+    ~ThreadAtRest() { SpareProcessor::begin_work(); }
+    ThreadAtRest(const ThreadAtRest&) = delete;
+    ThreadAtRest& operator=(const ThreadAtRest&) = delete;
+};
+
 }  // namespace qmp

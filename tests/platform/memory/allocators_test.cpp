@@ -19,8 +19,8 @@ TEST(AllocatorRegistry, MakesAllocatorsByKey) {
     const auto allocator = qmp::make_allocator("malloc");
     EXPECT_STREQ(allocator->get_type_name(), "malloc");
     EXPECT_STREQ(allocator->get_display_name(), "C malloc()");
-    EXPECT_EQ(qmp::allocator_display_names(), (std::vector<std::string>{"C malloc()"}));
-    EXPECT_STREQ(qmp::make_default_allocator()->get_type_name(), "malloc");
+    EXPECT_EQ(qmp::allocator_display_names(),
+              (std::vector<std::string>{"C malloc()", qmp::os::page_interface_name(), "Node Interleaving"}));
 }
 
 TEST(AllocatorRegistry, RefusesUnknownKeys) {
@@ -33,11 +33,17 @@ TEST(AllocatorRegistry, RefusesUnknownKeys) {
 }
 
 TEST(AllocatorMenu, ListsAndMakesTheChosenOne) {
-    const kelvara_test::FedInput typed("1\n0\n");
-    std::unique_ptr<qmp::BasicAllocator> chosen;
-    EXPECT_EQ(printed_by([&] { chosen = qmp::select_allocator(); }),
-              "Select a Memory Allocator:\n\n   0    C malloc()\n\noption: option: ");
-    EXPECT_STREQ(chosen->get_type_name(), "malloc");
+    const std::string pages = qmp::os::page_interface_name();
+    const char* const keys[] = {"malloc", "mmap", "interleave"};
+    qmp::make_allocator("interleave");  // the machine's nodes are looked at, and printed, once
+    for (int number = 0; number < 3; ++number) {
+        const kelvara_test::FedInput typed("3\n-1\n" + std::to_string(number) + "\n");
+        std::unique_ptr<qmp::BasicAllocator> chosen;
+        EXPECT_EQ(printed_by([&] { chosen = qmp::select_allocator(); }),
+                  "Select a Memory Allocator:\n\n   0    C malloc()\n   1    " + pages +
+                      "\n   2    Node Interleaving\n\noption: option: option: ");
+        EXPECT_STREQ(chosen->get_type_name(), keys[number]);
+    }
 }
 
 TEST(MallocAllocator, HasNoSettings) {
@@ -143,12 +149,17 @@ TEST(LargeHeap, DescribesTheBlock) {
     EXPECT_EQ(description_of({0, 0, 0, nullptr}), "1.00 GiB");
     EXPECT_EQ(description_of({1.0, 0, 4096, nullptr}), "1.00 GiB  (locked)");
     EXPECT_EQ(description_of({0.999, 0, 4096, nullptr}), "1.00 GiB  (99% locked)");
+    EXPECT_EQ(description_of({0.001, 0, 4096, nullptr}), "1.00 GiB  (0% locked)");
+    EXPECT_EQ(description_of({0, 0.999, 2 << 20, nullptr}), "1.00 GiB  (99% 2.00 MiB pages)");
+    EXPECT_EQ(description_of({0, 1.0, 0, nullptr}), "1.00 GiB  (large pages)");
     EXPECT_EQ(description_of({1.0, 1.0, 2 << 20, nullptr}), "1.00 GiB  (locked, 2.00 MiB pages)");
     EXPECT_EQ(description_of({0, 0.5, 0, nullptr}), "1.00 GiB  (50% large pages)");
     EXPECT_EQ(description_of({0.25, 0.5, 2 << 20, spread(4, 0.876)}),
               "1.00 GiB  (25% locked, 50% 2.00 MiB pages, spread: 87%/4)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(0, -1.0)}), "1.00 GiB  (spread: ?)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(2, -1.0)}), "1.00 GiB  (spread: ?)");
+    EXPECT_EQ(description_of({0, 0, 4096, spread(2, 0.0)}), "1.00 GiB  (spread: 0%/2)");
+    EXPECT_EQ(description_of({1.0, 0, 4096, spread(16, 0.999)}), "1.00 GiB  (locked, spread: 99%/16)");
     EXPECT_EQ(description_of({0, 0, 4096, spread(1, 1.0)}), "1.00 GiB  (spread: 100%/1)");
 }
 

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -33,6 +34,36 @@ TEST(RunOnThreads, AnEmptyRangeStartsNothing) {
     qmp::FunctionAction action(work);
     qmp::run_on_threads(action, 3, 3);
     qmp::run_on_threads(action, 4, 3);
+}
+
+TEST(RunOnThreads, HandsItsValueToEveryThread) {
+    std::atomic<int> right{0};
+    auto work = [&](std::uint64_t) {
+        if (qmp::thread_value() == 0xfedcba98) ++right;
+    };
+    qmp::FunctionAction action(work);
+    qmp::run_on_threads(action, 0, 5, 0xfedcba98);
+    EXPECT_EQ(right.load(), 5);
+    EXPECT_EQ(qmp::thread_value(), 0u);
+}
+
+TEST(RunOnThreads, EndsWithASystemErrorAfterTheOthersWhenAThreadCannotBeCreated) {
+    std::atomic<int> finished{0};
+    auto work = [&](std::uint64_t index) {
+        EXPECT_LT(index, 7u);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        ++finished;
+    };
+    qmp::FunctionAction action(work);
+    int granted = 3;
+    const auto start_three = [&](std::function<void()> thread_work) {
+        if (granted-- == 0) {
+            throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+        }
+        return qmp::start_child_thread(std::move(thread_work));
+    };
+    EXPECT_THROW(qmp::run_on_threads(action, 4, 10, 0, start_three), std::system_error);
+    EXPECT_EQ(finished.load(), 3);
 }
 
 #if GTEST_HAS_DEATH_TEST

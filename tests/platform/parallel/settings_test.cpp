@@ -1,19 +1,22 @@
 // Registry, menus, texts and saved settings of the frameworks.
 #include <gtest/gtest.h>
 
+#include "config/text_cursor.h"
 #include "errors/exception.h"
+#include "platform/os/thread_pool.h"
 #include "platform/parallel/menus.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/registry.h"
 #include "platform/parallel/serial_parallelizer.h"
 #include "platform/parallel/thread_priority.h"
-#include "platform/text_cursor.h"
 #include "support/console.h"
 #include "support/fatal.h"
 
 namespace {
 
 using kelvara_test::printed_by;
+
+const bool has_thread_pool = qmp::os::system_thread_pool() != nullptr;
 
 template <typename Exception, typename Function>
 std::string message_of(Function&& function) {
@@ -27,8 +30,10 @@ std::string message_of(Function&& function) {
 
 TEST(ParallelizerRegistry, MakesFrameworksByKey) {
     EXPECT_STREQ(qmp::make_parallelizer("none")->get_display_name(), "None (No Multi-threading)");
+    EXPECT_STREQ(qmp::make_parallelizer("cppasync")->get_display_name(), "C++ std::async()");
+    EXPECT_STREQ(qmp::make_parallelizer("spawn")->get_display_name(), "Thread Spawn (1 Thread/Task)");
     EXPECT_STREQ(qmp::make_parallelizer("pushpool")->get_display_name(), "Push Pool");
-    for (const char* key : {"none", "pushpool"})
+    for (const char* key : {"none", "cppasync", "spawn", "pushpool"})
         EXPECT_STREQ(qmp::make_parallelizer(key)->get_type_name(), key);
 }
 
@@ -40,8 +45,23 @@ TEST(ParallelizerRegistry, RefusesUnknownKeys) {
 }
 
 TEST(ParallelizerRegistry, ListsTheFrameworksInMenuOrder) {
-    EXPECT_EQ(qmp::parallelizer_display_names(),
-              (std::vector<std::string>{"None (No Multi-threading)", "Push Pool"}));
+    std::vector<std::string> names = {"None (No Multi-threading)", "C++ std::async()",
+                                      "Thread Spawn (1 Thread/Task)", "Push Pool"};
+    if (has_thread_pool) names.emplace_back("Windows Thread Pool");
+    EXPECT_EQ(qmp::parallelizer_display_names(), names);
+    std::vector<std::string> keys = {"none", "cppasync", "spawn", "pushpool"};
+    if (has_thread_pool) keys.emplace_back("winpool");
+    EXPECT_EQ(qmp::parallelizer_keys(), keys);
+}
+
+TEST(ParallelizerRegistry, KnowsTheThreadPoolWhereTheSystemHasOne) {
+    if (has_thread_pool) {
+        EXPECT_STREQ(qmp::make_parallelizer("winpool")->get_display_name(), "Windows Thread Pool");
+        EXPECT_STREQ(qmp::make_parallelizer_by_number(4)->get_type_name(), "winpool");
+    } else {
+        EXPECT_EQ(message_of<qmp::InvalidParametersException>([] { qmp::make_parallelizer("winpool"); }),
+                  "Invalid Parallel Framework: winpool");
+    }
 }
 
 TEST(ParallelizerRegistry, TheDefaultIsARandomizedPushPoolWithoutLimit) {
@@ -136,13 +156,15 @@ TEST(PushPoolMenu, OptionFiveToggles) {
 }
 
 TEST(FrameworkMenu, ListsAndMakesTheChosenOne) {
-    const kelvara_test::FedInput typed("2\n-1\n1\n");
+    const kelvara_test::FedInput typed("5\n-1\n3\n");
     std::unique_ptr<qmp::BasicParallelizer> chosen;
     EXPECT_EQ(printed_by([&] { chosen = qmp::select_parallelizer(); }),
-              "Select a Parallel Framework:\n\n"
-              "   0    None (No Multi-threading)\n"
-              "   1    Push Pool\n\n"
-              "option: option: option: ");
+              std::string("Select a Parallel Framework:\n\n"
+                          "   0    None (No Multi-threading)\n"
+                          "   1    C++ std::async()\n"
+                          "   2    Thread Spawn (1 Thread/Task)\n"
+                          "   3    Push Pool\n") +
+                  (has_thread_pool ? "   4    Windows Thread Pool\n" : "") + "\noption: option: option: ");
     EXPECT_STREQ(chosen->get_type_name(), "pushpool");
 }
 
@@ -171,13 +193,33 @@ TEST(ParallelizationMenu, ShowsTheSettingsAndCarriesOutTheOptions) {
     EXPECT_EQ(tasks, 77u);
 
     // Framework, its own option, tasks; 4 was no option before the Push Pool was chosen.
-    const kelvara_test::FedInput typed_2("4\n3\n1\n4\n9\n2\n33\n0\n");
+    const kelvara_test::FedInput typed_2("4\n3\n3\n4\n9\n2\n33\n0\n");
     printed_by([&] { qmp::edit_parallelization(tasks, framework); });
     EXPECT_EQ(framework->to_string(tasks), "Push Pool  ->  33 / 9  (randomization on)");
 
     const kelvara_test::FedInput typed_3("1\n0\n");
     printed_by([&] { qmp::edit_parallelization(tasks, framework); });
     EXPECT_EQ(framework->to_string(tasks), "Push Pool  ->  " + cores + " / ?  (randomization on)");
+}
+
+TEST(ParallelizationMenu, OffersTheOptionsOfTheFrameworkAtHand) {
+    std::uint64_t tasks = 5;
+    std::unique_ptr<qmp::BasicParallelizer> framework = std::make_unique<qmp::SerialParallelizer>();
+    // The asynchronous calls have one option, the thread spawn none.
+    const kelvara_test::FedInput typed("3\n1\n5\n4\n0\n");
+    const std::string text = printed_by([&] { qmp::edit_parallelization(tasks, framework); });
+    EXPECT_EQ(framework->to_string(tasks), "C++ std::async()  ->  5 / ?  (async | deferred)");
+    EXPECT_NE(text.find("   3    Framework:              C++ std::async()\n"
+                        "   4    Launch Policy:          std::launch::async | std::launch::deferred\n\n"
+                        "   0    Done!\n\noption: "),
+              std::string::npos);
+
+    const kelvara_test::FedInput typed_2("3\n2\n4\n0\n");
+    const std::string text_2 = printed_by([&] { qmp::edit_parallelization(tasks, framework); });
+    EXPECT_EQ(framework->to_string(tasks), "Thread Spawn (1 Thread/Task)  ->  5 / ?");
+    EXPECT_NE(text_2.find("   3    Framework:              Thread Spawn (1 Thread/Task)\n"
+                          "   0    Done!\n\noption: option: "),
+              std::string::npos);
 }
 
 TEST(FrameworkSettings, AreOneLineEach) {
@@ -220,26 +262,6 @@ TEST(FrameworkSettings, AThreadLimitOutOfRangeIsCut) {
     qmp::TextCursor negative("-3 1");
     pool.load_settings(negative);
     EXPECT_EQ(pool.threads, 0u);
-}
-
-TEST(TextCursor, ReadsIntegersBetweenWhitespace) {
-    qmp::TextCursor cursor("  12\t-7\r\n0 9223372036854775807 -9999999999999999999 ");
-    EXPECT_EQ(cursor.read_integer(), 12);
-    EXPECT_EQ(cursor.read_integer(), -7);
-    EXPECT_EQ(cursor.read_integer(), 0);
-    EXPECT_EQ(cursor.read_integer(), INT64_MAX);
-    EXPECT_EQ(cursor.read_integer(), -INT64_MAX);
-    EXPECT_THROW(cursor.read_integer(), qmp::ParseException);
-}
-
-TEST(TextCursor, RefusesWhatIsNoInteger) {
-    for (const char* text : {"", "   ", "-", "- 1", "12x", "x", "label 12\r\n", "label:\t12x\r\n", "label:\t",
-                             "label:\t12", "label\n\t12\n"}) {
-        qmp::TextCursor cursor(text);
-        EXPECT_EQ(message_of<qmp::ParseException>([&] { cursor.read_integer(); }),
-                  "Unexpected end of string.")
-            << text;
-    }
 }
 
 TEST(ThreadPriority, UnknownNumbersAreOnlyAWarning) {

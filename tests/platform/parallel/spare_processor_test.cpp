@@ -5,9 +5,11 @@
 
 #include <atomic>
 #include <cstdint>
+#include <stdexcept>
 #include <thread>
 
 #include "platform/os/threads.h"
+#include "platform/parallel/framework_variants.h"
 #include "platform/parallel/parallel_context.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/spin.h"
@@ -18,8 +20,8 @@ using qmp::ParallelContext;
 using qmp::PushPoolParallelizer;
 
 // The count may lag behind for the moment in which a worker goes back to its slot.
-void expect_soon(const PushPoolParallelizer& pool, std::uint64_t idle) {
-    for (int i = 0; i < 1000 && pool.idle_processors() != idle; ++i) std::this_thread::yield();
+void expect_soon(const qmp::BasicParallelizer& pool, std::uint64_t idle) {
+    for (int i = 0; i < 100000 && pool.idle_processors() != idle; ++i) std::this_thread::yield();
     EXPECT_EQ(pool.idle_processors(), idle);
 }
 
@@ -73,6 +75,51 @@ TEST(SpareProcessor, WaitingEndsWithTheCondition) {
     int looks = 0;
     EXPECT_FALSE(qmp::spin_for_a_moment([&] { return ++looks < 0; }));
     EXPECT_GE(looks, 64);
+}
+
+// In every framework that keeps an account: tasks at work, tasks that waited for, and exceptions.
+TEST(SpareProcessor, ThreadsOfTheSystemsBalanceTheCount) {
+    for (const auto& variant : kelvara_test::framework_variants()) {
+        if (!variant.halves()) continue;
+        SCOPED_TRACE(variant.name);
+        const auto framework = variant.make();
+        const std::uint64_t before = framework->idle_processors();
+        ASSERT_LE(before, qmp::os::active_processors());
+        const ParallelContext parallel{4, framework.get()};
+        for (int round = 0; round < 20; ++round) {
+            std::atomic<int> leaves{0};
+            parallel.run_pair([&] { parallel.run_pair([&] { leaves++; }, [&] { leaves++; }); },
+                              [&] { parallel.run(0, 3, [&](std::uint64_t) { leaves++; }); });
+            EXPECT_EQ(leaves.load(), 5);
+            auto nothing = [](std::uint64_t) {};
+            auto fail = [](std::uint64_t) { throw std::runtime_error("b"); };
+            qmp::FunctionAction a(nothing);
+            qmp::FunctionAction b(fail);
+            EXPECT_THROW(framework->run_in_parallel(a, b), std::runtime_error);
+        }
+        EXPECT_EQ(framework->idle_processors(), before);
+    }
+}
+
+TEST(SpareProcessor, ATaskElsewhereTakesAProcessorUntilItIsOver) {
+    for (const auto& variant : kelvara_test::framework_variants()) {
+        if (!variant.halves()) continue;
+        SCOPED_TRACE(variant.name);
+        const auto framework = variant.make();
+        const std::uint64_t before = framework->idle_processors();
+        if (before == 0) GTEST_SKIP() << "no processor is idle from the beginning";
+        std::atomic<bool> over{false};
+        auto wait = [&](std::uint64_t) { qmp::spin_until([&] { return over.load(); }); };
+        auto look = [&](std::uint64_t) {
+            EXPECT_EQ(framework->idle_processors(), before - 1);
+            over = true;
+            expect_soon(*framework, before);
+        };
+        qmp::FunctionAction a(wait);
+        qmp::FunctionAction b(look);
+        framework->run_in_parallel(a, b);
+        EXPECT_EQ(framework->idle_processors(), before);
+    }
 }
 
 // A framework that keeps no account leaves the decision to its caller's task count.

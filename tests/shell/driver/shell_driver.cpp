@@ -10,7 +10,9 @@
 #include "console/labels.h"
 #include "console/progress.h"
 #include "errors/exception.h"
+#include "platform/features_screen.h"
 #include "platform/startup_state.h"
+#include "platform/system_information.h"
 #include "shell/program.h"
 
 namespace kelvara {
@@ -56,6 +58,17 @@ void show_steps(const std::string&) {
     progress.end_step();
 }
 
+void show_features(const std::string&) {
+    qmp::print_features();
+}
+
+// On the screen and as in a validation file.
+void show_machine(const std::string&) {
+    const SystemInformation information = gather_system_info();
+    print_system_info(information);
+    console::write(system_info_text(information));
+}
+
 void throw_own(const std::string&) {
     throw qmp::InvalidParametersException("Driver::throw_own()", "An exception of the program's own.");
 }
@@ -90,12 +103,20 @@ void use_fatal_error(const std::string& text) {
 }
 
 const std::map<std::string, void (*)(const std::string&)> actions = {
-    {"echo", echo},         {"state", show_state},
-    {"number", ask_number}, {"digits", ask_digits},
-    {"line", ask_line},     {"steps", show_steps},
-    {"throw", throw_own},   {"throw-standard", throw_standard},
-    {"crash", crash},       {"overflow", overflow_stack},
-    {"abort", end_badly},   {"fatal", use_fatal_error},
+    {"echo", echo},
+    {"state", show_state},
+    {"number", ask_number},
+    {"digits", ask_digits},
+    {"line", ask_line},
+    {"steps", show_steps},
+    {"throw", throw_own},
+    {"throw-standard", throw_standard},
+    {"crash", crash},
+    {"overflow", overflow_stack},
+    {"abort", end_badly},
+    {"fatal", use_fatal_error},
+    {"features", show_features},
+    {"machine", show_machine},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {
