@@ -14,12 +14,11 @@
 #include "constants/catalogue.h"
 #include "errors/exception.h"
 #include "platform/os/process.h"
-#include "sessions/configuration_file.h"
+#include "sessions/saved_computation.h"
 #include "sessions/memory_checks.h"
 #include "sessions/memory_menu.h"
 #include "sessions/mode_menu.h"
 #include "sessions/output_format_menu.h"
-#include "sessions/ram_configuration.h"
 #include "sessions/ram_session.h"
 
 namespace kelvara {
@@ -171,10 +170,10 @@ void act(RamSettings& settings, std::int64_t option) {
             edit_memory(settings);
             break;
         case 20:
-            settings = load_configuration();
+            settings = load_computation();
             break;
         case 21:
-            save_configuration("CustomCompute", write_settings(settings));
+            save_computation(settings);
             break;
         default:
             break;

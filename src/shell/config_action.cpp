@@ -1,7 +1,7 @@
 #include "shell/config_action.h"
 
 #include "errors/exception.h"
-#include "sessions/configuration_file.h"
+#include "sessions/saved_computation.h"
 
 namespace kelvara {
 

@@ -47,6 +47,9 @@ class BasicAllocator : public ComponentSettings {
                                                    std::uint64_t tasks) = 0;
 };
 
+// What the type errors of an allocator's settings name.
+constexpr std::string_view allocator_context_name = "Memory Allocator";
+
 // New allocators by type key. An unknown key is an InvalidParametersException
 // ("Invalid Memory Allocator: " and the key).
 std::unique_ptr<BasicAllocator> make_allocator(std::string_view key);

@@ -12,7 +12,7 @@
 namespace qmp {
 namespace {
 
-constexpr const char* context = "Memory Allocator";
+constexpr std::string_view context = allocator_context_name;
 
 void require_nodes(const std::vector<std::uint64_t>& nodes, const char* function) {
     if (nodes.empty()) throw InvalidParametersException(function, "Node list cannot be empty.");

@@ -8,7 +8,7 @@
 namespace qmp {
 namespace {
 
-constexpr const char* context = "Memory Allocator";
+constexpr std::string_view context = allocator_context_name;
 
 // False when the system has no large pages for it.
 bool take_large_pages(MappedHeapBlock& block, os::PageSource& pages, std::uint64_t bytes) {

@@ -1,0 +1,69 @@
+#include "sessions/saved_computation.h"
+
+#include <string_view>
+
+#include "config/configuration_file.h"
+#include "console/console.h"
+#include "console/input.h"
+#include "errors/exception.h"
+#include "errors/file_exception.h"
+#include "platform/build_identity.h"
+#include "sessions/ram_configuration.h"
+#include "sessions/ram_session.h"
+#include "swap/sequential_file.h"
+
+namespace kelvara {
+namespace {
+
+namespace console = qmp::console;
+
+constexpr std::string_view custom_compute = "CustomCompute";
+constexpr std::string_view bench_io = "BenchIO";
+constexpr std::string_view actions[] = {custom_compute, bench_io};
+
+std::string ask_path(const char* heading) {
+    console::println(heading, 'w');
+    console::newline();
+    return console::read_labelled_line("Path", 'T');
+}
+
+RamSettings read_computation(const std::string& path) {
+    const qmp::Configuration configuration = qmp::load_configuration(path, actions);
+    if (configuration.action == bench_io) {
+        throw qmp::InvalidParametersException("", "The I/O benchmark is not available in this build yet.");
+    }
+    return read_settings(configuration.settings);
+}
+
+}  // namespace
+
+void save_computation(const RamSettings& settings) {
+    const std::string path = qmp::add_default_extension(
+        ask_path("Enter path to save configuration file. (the .ini extension can be omitted)"), "ini");
+    const std::string text = qmp::configuration_text(version_with_build(),
+                                                     {std::string(custom_compute), write_settings(settings)});
+    qmp::FileIO::SequentialFile file;
+    file.create(path);
+    const std::uint64_t written = file.write(text.data(), text.size());
+    const std::uint32_t error = file.last_error();
+    file.close();
+    if (written != text.size() || file.last_error() != 0) {
+        throw qmp::FileIO::FileException("save_computation()", "The file cannot be written.", path,
+                                         error != 0 ? error : file.last_error());
+    }
+}
+
+RamSettings load_computation() {
+    return read_computation(
+        ask_path("Enter path of configuration file. (the .ini extension can be omitted)"));
+}
+
+void run_configuration(const std::string& path) {
+    const RamSettings settings = read_computation(path);
+    if (!settings.can_run()) {
+        throw qmp::InvalidParametersException("", "Cannot run computation with these parameters.");
+    }
+    RamSession(settings).run();
+}
+
+}  // namespace kelvara
