@@ -5,7 +5,7 @@
 #include <atomic>
 #include <csignal>
 
-#include "platform/os/process.h"
+#include "platform/os/crash.h"
 #include "platform/os/unicode.h"
 
 namespace qmp::os {
@@ -17,23 +17,33 @@ struct CrashContext {
 namespace {
 
 CrashHandler installed_handler = nullptr;
-std::atomic<bool> handling{false};
+// The thread that crashed first; 0 while none has.
+std::atomic<DWORD> crashed_thread{0};
 
-// The handler runs once; what crashes meanwhile waits for the end of the process.
-void handle_once(const CrashContext* context) {
-    if (handling.exchange(true)) Sleep(INFINITE);
+// The handler runs once. Other threads that crash meanwhile wait for the end of the process; the thread
+// that crashes in the handler itself ends it.
+void handle_once(const CrashContext* context, UINT exit_code) {
+    const DWORD self = GetCurrentThreadId();
+    DWORD owner = 0;
+    if (!crashed_thread.compare_exchange_strong(owner, self)) {
+        if (owner != self) Sleep(INFINITE);
+        TerminateProcess(GetCurrentProcess(), exit_code);
+    }
     installed_handler(context);
 }
 
 LONG WINAPI on_unhandled_exception(EXCEPTION_POINTERS* pointers) {
     const CrashContext context{pointers};
-    handle_once(&context);
+    handle_once(&context, pointers->ExceptionRecord->ExceptionCode);
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
+// What a program of this system's C library ends with when it aborts.
+constexpr int exit_code_of_abort = 3;
+
 // An exception of the language that nobody caught ends in abort, which raises no system exception.
 void on_abort(int) {
-    handle_once(nullptr);
+    handle_once(nullptr, exit_code_of_abort);
 }
 
 // ASCII names suffice for dumps; anything else is converted character by character.
@@ -61,7 +71,7 @@ void install_crash_handler(CrashHandler handler) {
     std::signal(SIGABRT, on_abort);
 }
 
-DumpOutcome write_crash_dump(const char* path, const CrashContext* context) {
+DumpOutcome write_crash_dump(const char* path, std::string_view description, const CrashContext* context) {
     wchar_t wide[MAX_PATH];
     widen(path, wide);
     const HANDLE file = CreateFileW(wide, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
@@ -75,8 +85,14 @@ DumpOutcome write_crash_dump(const char* path, const CrashContext* context) {
         exception.ExceptionPointers = context->pointers;
         exception.ClientPointers = FALSE;
     }
+    MINIDUMP_USER_STREAM comment{};
+    comment.Type = CommentStreamA;
+    comment.Buffer = const_cast<char*>(description.data());
+    comment.BufferSize = static_cast<ULONG>(description.size());
+    MINIDUMP_USER_STREAM_INFORMATION comments{1, &comment};
     const BOOL written = MiniDumpWriteDump(GetCurrentProcess(), GetCurrentProcessId(), file, MiniDumpNormal,
-                                           with_exception ? &exception : nullptr, nullptr, nullptr);
+                                           with_exception ? &exception : nullptr,
+                                           description.empty() ? nullptr : &comments, nullptr);
     // The error code of a failed dump is a result code of the system and is kept as it is.
     const DWORD error = written ? 0 : GetLastError();
     CloseHandle(file);
