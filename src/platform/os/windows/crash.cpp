@@ -60,6 +60,46 @@ void widen(const char* path, wchar_t (&wide)[MAX_PATH]) {
     wide[used] = L'\0';
 }
 
+struct DumpRequest {
+    HANDLE file;
+    MINIDUMP_EXCEPTION_INFORMATION* exception;
+    MINIDUMP_USER_STREAM_INFORMATION* comments;
+    // The error code of a failed dump is a result code of the system and is kept as it is.
+    DWORD error = 0;
+};
+
+DWORD WINAPI write_minidump(void* parameter) {
+    DumpRequest& request = *static_cast<DumpRequest*>(parameter);
+    const BOOL written = MiniDumpWriteDump(GetCurrentProcess(), GetCurrentProcessId(), request.file,
+                                           MiniDumpNormal, request.exception, request.comments, nullptr);
+    request.error = written ? 0 : GetLastError();
+    return written ? 1 : 0;
+}
+
+// Whoever writes the dump is who crashes next, if anybody does.
+DWORD WINAPI write_minidump_as_owner(void* parameter) {
+    crashed_thread.store(GetCurrentThreadId());
+    return write_minidump(parameter);
+}
+
+bool stack_ran_out(const CrashContext* context) {
+    return context != nullptr && context->pointers != nullptr &&
+           context->pointers->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW;
+}
+
+// Writing takes more stack than a thread has left whose stack has run out: then another one writes.
+bool write_where_there_is_room(DumpRequest& request, const CrashContext* context) {
+    DWORD written = 0;
+    const HANDLE writer = stack_ran_out(context)
+                              ? CreateThread(nullptr, 0, write_minidump_as_owner, &request, 0, nullptr)
+                              : nullptr;
+    if (writer == nullptr) return write_minidump(&request) != 0;
+    WaitForSingleObject(writer, INFINITE);
+    GetExitCodeThread(writer, &written);
+    CloseHandle(writer);
+    return written != 0;
+}
+
 }  // namespace
 
 void install_crash_handler(CrashHandler handler) {
@@ -85,18 +125,19 @@ DumpOutcome write_crash_dump(const char* path, std::string_view description, con
         exception.ExceptionPointers = context->pointers;
         exception.ClientPointers = FALSE;
     }
+    // Debuggers read the comment up to its NUL.
+    char text[1024] = {};
+    const std::size_t length = description.copy(text, sizeof text - 1);
     MINIDUMP_USER_STREAM comment{};
     comment.Type = CommentStreamA;
-    comment.Buffer = const_cast<char*>(description.data());
-    comment.BufferSize = static_cast<ULONG>(description.size());
+    comment.Buffer = text;
+    comment.BufferSize = static_cast<ULONG>(length + 1);
     MINIDUMP_USER_STREAM_INFORMATION comments{1, &comment};
-    const BOOL written = MiniDumpWriteDump(GetCurrentProcess(), GetCurrentProcessId(), file, MiniDumpNormal,
-                                           with_exception ? &exception : nullptr,
-                                           description.empty() ? nullptr : &comments, nullptr);
-    // The error code of a failed dump is a result code of the system and is kept as it is.
-    const DWORD error = written ? 0 : GetLastError();
+    DumpRequest request{file, with_exception ? &exception : nullptr,
+                        description.empty() ? nullptr : &comments};
+    const bool written = write_where_there_is_room(request, context);
     CloseHandle(file);
-    if (!written) return {DumpResult::cannot_write, error};
+    if (!written) return {DumpResult::cannot_write, request.error};
     return {};
 }
 
