@@ -51,7 +51,7 @@ TEST(Program, PrintsStandardExceptionsAndEndsNormally) {
 
 TEST(Program, AFlagBehindTheActionBelongsToTheAction) {
     const ChildEnd end = run_child({KELVARA_PROGRAM, "custom", "pi", "skip-warnings"});
-    EXPECT_NE(end.output.find("skip-warnings\n"), std::string::npos) << end.output;
+    EXPECT_NE(end.output.find("\nInvalid Parameter: skip-warnings\n"), std::string::npos) << end.output;
     EXPECT_EQ(end.output.find("Begin Computation"), std::string::npos) << end.output;
 }
 
