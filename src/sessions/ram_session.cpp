@@ -136,6 +136,10 @@ void RamSession::compute_and_write(Memory& memory, const RamComputation& computa
     settings_.framework().reset();
     record_.log.append("End Computation");
     print_report(record_);
+    // Some systems take their time over it, which is not the computation's.
+    record_.system = gather_system_info();
+    print_system_info(record_.system);
+    console::newline();
     files.rethrow_failure();
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/system_information.h"
 #include "platform/timers.h"
 #include "radix/output_driver.h"
 #include "sessions/event_log.h"
@@ -36,6 +37,7 @@ struct SessionRecord {
     qmp::DigitOutput decimal;
     qmp::DigitOutput hexadecimal;  // digits = 0 when disabled
     std::vector<WrittenFile> files;
+    SystemInformation system;
     EventLog log;
 
     double total_seconds() const { return qmp::seconds_between(ended.wall, computing.wall); }

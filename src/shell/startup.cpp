@@ -4,6 +4,7 @@
 #include "platform/os/crash.h"
 #include "platform/os/process.h"
 #include "platform/startup_state.h"
+#include "platform/topology.h"
 #include "shell/crash_handler.h"
 #include "shell/feature_check.h"
 #include "shell/group_check.h"
@@ -21,6 +22,9 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     check_processor_groups();
     IntegrityCheck integrity_check(startup_state().program_path);
     describe_program(integrity_check.digest(), to_text(integrity_check.outcome()));
+    // They are made, and printed, before any worker thread asks for them.
+    qmp::core_table();
+    qmp::numa_table();
     qmp::console::newline();
     dispatcher(command_line, integrity_check);
     return 0;

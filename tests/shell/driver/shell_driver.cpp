@@ -14,7 +14,9 @@
 #include "console/labels.h"
 #include "console/progress.h"
 #include "errors/exception.h"
+#include "platform/features_screen.h"
 #include "platform/startup_state.h"
+#include "platform/system_information.h"
 #include "shell/driver/faults.h"
 #include "shell/program.h"
 
@@ -63,6 +65,17 @@ void show_steps(const std::string&) {
         progress.message("A part was done again.", 'R');
     }
     progress.end_step();
+}
+
+void show_features(const std::string&) {
+    qmp::print_features();
+}
+
+// On the screen and as in a validation file.
+void show_machine(const std::string&) {
+    const SystemInformation information = gather_system_info();
+    print_system_info(information);
+    console::write(system_info_text(information));
 }
 
 void throw_own(const std::string&) {
@@ -123,6 +136,8 @@ const std::map<std::string, void (*)(const std::string&)> actions = {
     {"touch", touch_file},
     {"hold", hold_file},
     {"wait-for", wait_for_file},
+    {"features", show_features},
+    {"machine", show_machine},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {
