@@ -12,6 +12,11 @@ if(KELVARA_WARNINGS_AS_ERRORS)
   target_compile_options(kelvara_options INTERFACE -Werror)
 endif()
 
+# Line numbers turn the addresses of a dump into lines of the source; they change no code.
+if(KELVARA_LINE_NUMBERS AND NOT KELVARA_SANITIZE)
+  target_compile_options(kelvara_options INTERFACE -g1)
+endif()
+
 if(KELVARA_SANITIZE)
   target_compile_options(kelvara_options INTERFACE
     -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)

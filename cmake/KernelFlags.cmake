@@ -15,6 +15,8 @@ function(kelvara_set_kernel_flags)
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-msse4.2")
     elseif(source MATCHES "_sse4\\.cpp$")
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mssse3;-msse4.1")
+    elseif(source MATCHES "_sha\\.cpp$")
+      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mssse3;-msse4.1;-msha")
     endif()
     # Modular arithmetic counts on every product being rounded or fused exactly where it says so.
     if(source MATCHES "/vst/")

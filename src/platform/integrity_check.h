@@ -1,9 +1,10 @@
-// Whether the program that measures is the program that was started.
+// Whether the program that measures is the program that was built, and still the one that was started.
 //
 // A benchmark's figures and a validation file mean something only when the program is the one that they
-// name. The check takes the SHA-256 digest of the executable file when the program starts; the operation
-// it yields takes it again later and compares. Reports print the digest, so that a changed program shows
-// as another digest, and the outcome, so that a program replaced while it runs shows too.
+// name. The build seals the executable (integrity_seal.h). At start the check reads the executable, takes
+// the SHA-256 digest of its content and compares it with the seal; the operation that the check yields reads
+// it again later, which shows a program that was replaced while it runs. Reports print the digest, so that a
+// changed program shows as another digest even where somebody sealed it again, and the outcome.
 #pragma once
 
 #include <optional>
@@ -14,13 +15,13 @@
 namespace kelvara {
 
 enum class IntegrityOutcome {
-    unchecked,   // the operation has not run yet
-    intact,      // both readings agree
-    modified,    // they differ
-    unreadable,  // the executable could not be read at one of the two times
+    intact,     // the content is the one that was sealed
+    modified,   // it is not, or it has changed since the start
+    unsealed,   // there is no seal: the file was stripped, or cut, or linked without the build
+    unreadable  // the executable could not be read
 };
 
-// "Unchecked", "Intact", "Modified", "Unreadable".
+// "Intact", "Modified", "Unsealed", "Unreadable".
 const char* to_text(IntegrityOutcome outcome);
 
 class IntegrityCheck {
@@ -28,21 +29,30 @@ class IntegrityCheck {
     // Reads the executable at this path (UTF-8).
     explicit IntegrityCheck(std::string program_path);
 
-    // The later reading. May be run again; the outcome is that of the last run, except that what was
-    // once found modified stays modified.
+    // Reads it again. What was once found modified stays modified, and what was once unreadable cannot be
+    // compared any more.
     void operator()();
 
     IntegrityOutcome outcome() const { return outcome_; }
-    // The digest at start as hexadecimal text; empty when the executable could not be read.
+    // The digest of the content at start, the seal left out, as hexadecimal text; empty when the executable
+    // could not be read. One build has one digest.
     std::string digest() const;
 
   private:
     std::string program_path_;
     std::optional<qmp::Sha256Digest> at_start_;
-    IntegrityOutcome outcome_ = IntegrityOutcome::unchecked;
+    IntegrityOutcome outcome_ = IntegrityOutcome::unreadable;
 };
 
-// The digest of a file's content, or nothing when it cannot be read to its end.
-std::optional<qmp::Sha256Digest> digest_of_file(const std::string& path);
+// The digest of an executable's content and what its seal says of it: intact, modified or unsealed. Nothing
+// when the file cannot be read to its end.
+struct SealedContent {
+    qmp::Sha256Digest digest;
+    IntegrityOutcome outcome;
+};
+std::optional<SealedContent> read_sealed_content(const std::string& path);
+
+// The seal that belongs to a content with this digest.
+std::string seal_of(const qmp::Sha256Digest& content);
 
 }  // namespace kelvara

@@ -1,7 +1,5 @@
 #include "platform/startup_state.h"
 
-#include <optional>
-
 #include "console/console.h"
 #include "platform/os/console_device.h"
 #include "platform/os/process.h"
@@ -26,11 +24,15 @@ void record_program_start() {
     // First: anything printed moves the cursor.
     state.console_is_fresh = qmp::os::console_is_fresh();
     state.arguments = qmp::os::arguments();
-    const std::optional<std::string> path = qmp::os::program_path();
+    record_program_path(qmp::os::program_path());
+}
+
+void record_program_path(const std::optional<std::string>& path) {
     if (!path) {
         qmp::console::print_warning("Failed to retrieve path.");
         qmp::console::terminate(1);
     }
+    StartupState& state = startup_state();
     state.program_path = *path;
     state.program_directory = directory_of(state.program_path);
 }

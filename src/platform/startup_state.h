@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,8 @@ const std::string& program_directory();
 // Fills what the system tells: console, arguments, path. Called once, before anything is printed. When
 // the path cannot be found, prints "Failed to retrieve path." and ends the program with exit code 1.
 void record_program_start();
+// The same for a path that the system told, or did not tell.
+void record_program_path(const std::optional<std::string>& path);
 
 // The path up to and including its last '/' or '\'; empty when it has neither.
 std::string directory_of(std::string_view path);

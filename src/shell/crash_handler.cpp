@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "console/console.h"
+#include "platform/build_identity.h"
+#include "platform/os/process.h"
 
 namespace kelvara {
 namespace {
@@ -11,7 +13,7 @@ namespace {
 namespace console = qmp::console;
 namespace os = qmp::os;
 
-// Text joined on the stack; what does not fit is cut.
+// Text joined in place; what does not fit is cut.
 class FixedText {
   public:
     void append(std::string_view text) {
@@ -25,6 +27,9 @@ class FixedText {
     char bytes_[1024];
     std::size_t used_ = 0;
 };
+
+// Which program a dump is of. Joined beforehand: a crash cannot allocate.
+FixedText program_description;
 
 void warn_of_failure(std::string_view what, std::uint32_t error_code) {
     char buffer[512];
@@ -54,13 +59,31 @@ void make_dump_name(const os::LocalTime& time, std::span<char, dump_name_size> n
     *std::copy(suffix.begin(), suffix.end(), end) = '\0';
 }
 
+void describe_program(std::string_view digest, std::string_view integrity) {
+    FixedText text;
+    const auto add_line = [&](std::string_view label, std::string_view value) {
+        for (const std::string_view part : {label, std::string_view(": "), value, std::string_view("\n")})
+            text.append(part);
+    };
+    add_line("Program", "Kelvara " + program_version());
+    if (!integrity.empty()) {
+        add_line("Digest", digest);
+        add_line("Integrity", integrity);
+    }
+    program_description = text;
+}
+
 void handle_crash(const os::CrashContext* context) {
+    report_crash(context, os::write_crash_dump);
+}
+
+void report_crash(const os::CrashContext* context, DumpWriter write_dump) {
     console::print_warning("\nOops... Kelvara has crashed.", true);
     console::write("Creating mini-dump file...  ");
 
     char name[dump_name_size];
     make_dump_name(os::local_time(), name);
-    const os::DumpOutcome outcome = os::write_crash_dump(name, context);
+    const os::DumpOutcome outcome = write_dump(name, program_description.view(), context);
     if (outcome.result == os::DumpResult::cannot_create) {
         warn_of_failure("Unable to create dump file: ", outcome.error_code);
         console::pause();

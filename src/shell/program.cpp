@@ -11,9 +11,11 @@ namespace kelvara {
 
 namespace console = qmp::console;
 
-int run_guarded(CommandLine& command_line, Dispatcher dispatcher) {
+int run_guarded(const std::function<int()>& routine, bool debugger_present) {
+    // A debugger wants to see an exception where it is thrown.
+    if (debugger_present) return routine();
     try {
-        return start_up(command_line, dispatcher);
+        return routine();
     } catch (const qmp::Exception& exception) {
         exception.print();
     } catch (const std::exception& exception) {
@@ -28,14 +30,14 @@ bool pauses_at_exit(int pause_mode, bool console_is_fresh) {
 }
 
 int run_program(Dispatcher dispatcher) {
+    qmp::os::prepare_process();
     record_program_start();
     const StartupState& state = startup_state();
     CommandLine command_line(state.arguments);
     if (state.console_is_fresh) console::set_window_size(80, 25);
 
-    // A debugger wants to see an exception where it is thrown.
-    const int exit_code = qmp::os::debugger_present() ? start_up(command_line, dispatcher)
-                                                      : run_guarded(command_line, dispatcher);
+    const int exit_code =
+        run_guarded([&] { return start_up(command_line, dispatcher); }, qmp::os::debugger_present());
 
     console::reset_color();
     console::newline();

@@ -1,6 +1,7 @@
 #include "shell/startup.h"
 
 #include "console/console.h"
+#include "platform/os/crash.h"
 #include "platform/os/process.h"
 #include "platform/startup_state.h"
 #include "platform/topology.h"
@@ -15,10 +16,12 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     parse_leading_flags(command_line);
     // A computation of days leaves the machine usable.
     qmp::os::lower_process_priority();
+    describe_program();
     qmp::os::install_crash_handler(handle_crash);
     check_processor_features();
     check_processor_groups();
     IntegrityCheck integrity_check(startup_state().program_path);
+    describe_program(integrity_check.digest(), to_text(integrity_check.outcome()));
     // They are made, and printed, before any worker thread asks for them.
     qmp::core_table();
     qmp::numa_table();

@@ -1,5 +1,7 @@
 #include "platform/os/process.h"
 
+#include "platform/os/crash.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -48,7 +50,7 @@ TEST(Process, WritesADumpWithoutACrash) {
          ("kelvara-dump-test-" + std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id())) +
           ".dmp"))
             .string();
-    const DumpOutcome outcome = write_crash_dump(path.c_str(), nullptr);
+    const DumpOutcome outcome = write_crash_dump(path.c_str(), "", nullptr);
     EXPECT_EQ(outcome.result, DumpResult::written) << system_error_text(outcome.error_code);
     EXPECT_EQ(outcome.error_code, 0u);
     EXPECT_GT(std::filesystem::file_size(path), 500u);
@@ -57,7 +59,7 @@ TEST(Process, WritesADumpWithoutACrash) {
 
 TEST(Process, SaysWhyItCannotCreateADump) {
     const std::string path = (std::filesystem::temp_directory_path() / "no such folder" / "x.dmp").string();
-    const DumpOutcome outcome = write_crash_dump(path.c_str(), nullptr);
+    const DumpOutcome outcome = write_crash_dump(path.c_str(), "", nullptr);
     EXPECT_EQ(outcome.result, DumpResult::cannot_create);
     EXPECT_NE(outcome.error_code, 0u);
 }

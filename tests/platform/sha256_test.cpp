@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/processor_features.h"
+
 namespace qmp {
 namespace {
 
@@ -12,8 +14,8 @@ std::span<const std::uint8_t> bytes_of(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-std::string digest_of(std::string_view text) {
-    Sha256 hash;
+std::string digest_of(std::string_view text, Sha256Compression compression = sha256_compression()) {
+    Sha256 hash(compression);
     hash.append(bytes_of(text));
     return to_hexadecimal(hash.finish());
 }
@@ -47,6 +49,25 @@ TEST(Sha256, PiecesMakeNoDifference) {
             }
             EXPECT_EQ(to_hexadecimal(hash.finish()), expected) << size << " in pieces of " << piece;
         }
+    }
+}
+
+TEST(Sha256, ThePlainCodeAgreesWithThePublishedVectors) {
+    EXPECT_EQ(digest_of("abc", sha256_compression_plain),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_EQ(digest_of(std::string(1'000'000, 'a'), sha256_compression_plain),
+              "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+TEST(Sha256, TheProcessorsInstructionsAgreeWithThePlainCode) {
+    if (!processor_features().sha) GTEST_SKIP() << "this processor has no SHA instructions";
+    EXPECT_EQ(sha256_compression(), sha256_compression_sha);
+    std::string text;
+    std::uint32_t random = 1;
+    for (std::size_t size = 0; size < 1000; ++size) {
+        EXPECT_EQ(digest_of(text, sha256_compression_sha), digest_of(text, sha256_compression_plain)) << size;
+        random = random * 1664525 + 1013904223;
+        text += static_cast<char>(random >> 24);
     }
 }
 

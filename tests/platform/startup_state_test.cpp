@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "support/fatal.h"
+
 namespace kelvara {
 namespace {
 
@@ -34,6 +36,12 @@ TEST(StartupState, RecordsTheStart) {
     EXPECT_NE(state.program_path.find("platform_tests"), std::string::npos);
     EXPECT_EQ(program_directory().find("platform_tests"), std::string::npos);
 }
+
+#if GTEST_HAS_DEATH_TEST
+TEST(StartupStateDeathTest, AMissingPathIsFatal) {
+    EXPECT_FATAL(record_program_path(std::nullopt), "^\nFailed to retrieve path.\n$");
+}
+#endif
 
 }  // namespace
 }  // namespace kelvara

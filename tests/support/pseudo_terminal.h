@@ -2,8 +2,6 @@
 // On Linux only.
 #pragma once
 
-#include <sys/types.h>
-
 #include <functional>
 #include <string>
 #include <string_view>
@@ -36,7 +34,7 @@ class PseudoTerminal {
   private:
     bool read_some(int timeout_milliseconds);
     int master_ = -1;
-    pid_t child_ = -1;
+    int child_ = -1;
     std::string output_;
     std::size_t searched_ = 0;
 };

@@ -1,4 +1,4 @@
-// The process: its arguments, path, priority, end and crash.
+// The process: its arguments, path, priority, streams and end.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,13 @@
 #include <vector>
 
 namespace qmp::os {
+
+// Called first. A computation of days must survive the loss of whoever looks at its output: from now on
+// writing to a pipe whose reader has gone, and to a file that has reached its allowed size, fails like any
+// other write instead of ending the process. Standard streams that were closed at start lead nowhere, so
+// that no file that is opened later takes their place and receives what is printed. How the process answers
+// a hang-up of its terminal stays as its starter chose it.
+void prepare_process();
 
 // "Windows" or "Linux".
 std::string_view system_name();
@@ -30,26 +37,5 @@ bool debugger_present();
 // The system's own text for one of its error codes, without a line end, in `buffer`. Allocates nothing.
 std::string_view system_error_text(std::uint32_t code, std::span<char> buffer);
 std::string system_error_text(std::uint32_t code);
-
-// What the system hands to a crash handler; null when the process ended itself in despair (an exception
-// that nobody caught).
-struct CrashContext;
-using CrashHandler = void (*)(const CrashContext* context);
-
-// From now on a fault that nothing handles calls the handler, once, on the thread at fault; when it
-// returns the process ends as the fault would have ended it. On Linux the handler runs in a signal: it
-// should not allocate.
-void install_crash_handler(CrashHandler handler);
-
-enum class DumpResult { written, cannot_create, cannot_write };
-
-struct DumpOutcome {
-    DumpResult result = DumpResult::written;
-    std::uint32_t error_code = 0;
-};
-
-// Writes what a developer needs to understand the crash into a file: a minidump on Windows; on Linux the
-// signal, the registers, the call stack and the memory map as text. The path ends with a NUL.
-DumpOutcome write_crash_dump(const char* path, const CrashContext* context);
 
 }  // namespace qmp::os

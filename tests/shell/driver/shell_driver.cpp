@@ -1,9 +1,13 @@
 // The program's start-up around a dispatcher that does what its arguments say, one after another, so that
 // tests see the entry and the exit of a real process without a computation in between.
-#include <cstdlib>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "console/console.h"
 #include "console/input.h"
@@ -13,12 +17,17 @@
 #include "platform/features_screen.h"
 #include "platform/startup_state.h"
 #include "platform/system_information.h"
+#include "shell/driver/faults.h"
 #include "shell/program.h"
 
 namespace kelvara {
 namespace {
 
 namespace console = qmp::console;
+using kelvara_test::commit_fault;
+using kelvara_test::commit_fault_on_a_thread;
+using kelvara_test::commit_fault_on_a_worker;
+using kelvara_test::commit_fault_twice_at_once;
 
 void echo(const std::string& text) {
     console::println(text, 'G');
@@ -77,29 +86,35 @@ void throw_standard(const std::string&) {
     throw std::runtime_error("An exception of the library.");
 }
 
-void crash(const std::string&) {
-    // Volatile, so that the compiler takes neither the store nor the address at its word.
-    volatile std::uintptr_t address = 16;
-    *reinterpret_cast<volatile int*>(address) = 1;
-}
-
-// Never reaches its end, which the compiler must not see.
-int use_stack(int depth) {
-    volatile char room[65536];
-    room[0] = 1;
-    return depth < 0 ? 0 : use_stack(depth == 1'000'000'000 ? 1 : depth + 1) + room[0];
-}
-
-void overflow_stack(const std::string& depth) {
-    console::print_label_signed("depth", use_stack(depth.empty() ? 1 : -1));
-}
-
-void end_badly(const std::string&) {
-    std::abort();
-}
-
 void use_fatal_error(const std::string& text) {
     console::fatal_error(text);
+}
+
+void raise_signal(const std::string& number) {
+    std::raise(std::stoi(number));
+}
+
+IntegrityCheck* own_check = nullptr;
+
+void check_again(const std::string&) {
+    (*own_check)();
+    console::print_label_line("checked again", to_text(own_check->outcome()));
+}
+
+// Stays open to the end.
+void hold_file(const std::string& path) {
+    static std::ofstream file;
+    file.open(path);
+    file << "!" << std::flush;
+}
+
+void touch_file(const std::string& path) {
+    std::ofstream file(path);
+    file << "!";
+}
+
+void wait_for_file(const std::string& path) {
+    while (!std::filesystem::exists(path)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
 const std::map<std::string, void (*)(const std::string&)> actions = {
@@ -111,16 +126,23 @@ const std::map<std::string, void (*)(const std::string&)> actions = {
     {"steps", show_steps},
     {"throw", throw_own},
     {"throw-standard", throw_standard},
-    {"crash", crash},
-    {"overflow", overflow_stack},
-    {"abort", end_badly},
     {"fatal", use_fatal_error},
+    {"fault", commit_fault},
+    {"thread-fault", commit_fault_on_a_thread},
+    {"worker-fault", commit_fault_on_a_worker},
+    {"twin-faults", commit_fault_twice_at_once},
+    {"raise", raise_signal},
+    {"check-again", check_again},
+    {"touch", touch_file},
+    {"hold", hold_file},
+    {"wait-for", wait_for_file},
     {"features", show_features},
     {"machine", show_machine},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {
     integrity_check();
+    own_check = &integrity_check;
     console::print_label_line("integrity", to_text(integrity_check.outcome()));
     while (command_line.has_more()) {
         const auto action = actions.find(command_line.current_key());

@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "support/folder.h"
 #include "support/pseudo_terminal.h"
+#include "support/sanitized.h"
 
 namespace kelvara {
 namespace {
@@ -242,95 +241,18 @@ TEST(Terminal, RewritesTheLabelInsideTheWindow) {
     }
 }
 
-class CrashTest : public testing::Test {
-  protected:
-    void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("kelvara-crash-" + std::to_string(getpid()));
-        std::filesystem::create_directory(folder_);
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    // The driver in a folder of its own, where its dump goes.
-    std::vector<std::string> driver_in_folder(const std::string& action) const {
-        return {
-            "/bin/sh", "-c",
-            "cd '" + folder_.string() + "' && exec '" + KELVARA_SHELL_DRIVER + "' skip-warnings " + action};
-    }
-
-    // The content of the only file in the folder, whose name is that of a dump.
-    std::string dump() const {
-        std::string content;
-        int files = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-            std::string name = entry.path().filename().string();
-            std::replace_if(
-                name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
-            EXPECT_EQ(name, "Kelvara-00000000-000000.dmp");
-            std::ifstream file(entry.path());
-            content.assign(std::istreambuf_iterator<char>(file), {});
-            ++files;
-        }
-        EXPECT_EQ(files, 1);
-        return content;
-    }
-
-    void expect_crash(const std::string& action, int signal) {
-        PseudoTerminal terminal(driver_in_folder(action));
-        report_cursor(terminal, 9, 9);
-        EXPECT_TRUE(terminal.wait_for("Creating mini-dump file...  Done!\r\n"));
-        EXPECT_TRUE(terminal.wait_for("The program will now exit."));
-        EXPECT_TRUE(terminal.wait_for("Press any key to continue . . . "));
-        terminal.type("x");
-        EXPECT_EQ(terminal.wait_for_end(), -signal) << terminal.output();
-        EXPECT_NE(terminal.output().find("\x1b[0;91m\r\nOops... Kelvara has crashed."), std::string::npos)
-            << terminal.output();
-    }
-
-    std::filesystem::path folder_;
-};
-
-// A sanitizer brings handlers, stacks and reports of its own.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KELVARA_SKIP_UNDER_SANITIZER() GTEST_SKIP() << "a sanitizer reports crashes itself"
-#else
-#define KELVARA_SKIP_UNDER_SANITIZER() static_cast<void>(0)
-#endif
-
-TEST_F(CrashTest, WritesADumpOfABadAccess) {
-    KELVARA_SKIP_UNDER_SANITIZER();
-    expect_crash("crash", SIGSEGV);
-    const std::string text = dump();
-    EXPECT_NE(text.find("Signal: SIGSEGV (11)\n"), std::string::npos);
-    EXPECT_NE(text.find("Address: 0x0000000000000010\n"), std::string::npos);
-    EXPECT_NE(text.find("\nRegisters:\n  rip 0x"), std::string::npos);
-    EXPECT_NE(text.find("\nCall stack, innermost first:\n"), std::string::npos);
-    EXPECT_NE(text.find("shell_driver"), std::string::npos);
-    EXPECT_NE(text.find("[stack]"), std::string::npos);
-}
-
-TEST_F(CrashTest, WritesADumpWhenTheStackRunsOut) {
-    KELVARA_SKIP_UNDER_SANITIZER();
-    expect_crash("overflow", SIGSEGV);
-    EXPECT_NE(dump().find("Signal: SIGSEGV (11)\n"), std::string::npos);
-}
-
-TEST_F(CrashTest, WritesADumpOfAnAbort) {
-    KELVARA_SKIP_UNDER_SANITIZER();
-    expect_crash("abort", SIGABRT);
-    EXPECT_NE(dump().find("Signal: SIGABRT (6)\n"), std::string::npos);
-}
-
-TEST_F(CrashTest, SaysWhenItCannotWriteTheDump) {
-    KELVARA_SKIP_UNDER_SANITIZER();
-    // A folder that is gone takes no file, whoever asks.
-    std::vector<std::string> command = driver_in_folder("crash");
-    command[2].replace(command[2].find("&& exec"), 2, "&& rmdir '" + folder_.string() + "' &&");
-    PseudoTerminal terminal(command);
+TEST(Terminal, ACrashPausesInRedAndWhite) {
+    if (kelvara_test::sanitized) GTEST_SKIP() << "a sanitizer reports crashes itself";
+    const kelvara_test::TemporaryFolder folder;
+    PseudoTerminal terminal(
+        {"/bin/sh", "-c",
+         "cd '" + folder.path() + "' && exec '" + KELVARA_SHELL_DRIVER + "' skip-warnings fault:overflow"});
     report_cursor(terminal, 9, 9);
-    EXPECT_TRUE(terminal.wait_for("Unable to create dump file: No such file or directory\r\n"));
-    EXPECT_TRUE(terminal.wait_for("Press any key to continue . . . "));
+    EXPECT_TRUE(terminal.wait_for("\x1b[0;91m\r\nOops... Kelvara has crashed.\r\n"));
+    EXPECT_TRUE(terminal.wait_for("Creating mini-dump file...  Done!\r\n\r\nThe program will now exit.\r\n"));
+    EXPECT_TRUE(terminal.wait_for("\x1b[0m\r\n\x1b[0mPress any key to continue . . . ")) << terminal.output();
     terminal.type("x");
-    EXPECT_EQ(terminal.wait_for_end(), -SIGSEGV);
+    EXPECT_EQ(terminal.wait_for_end(), -SIGSEGV) << terminal.output();
 }
 
 }  // namespace

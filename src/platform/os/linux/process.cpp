@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -27,7 +28,21 @@ std::string read_process_file(const char* path) {
     return content;
 }
 
+void open_if_closed(int stream) {
+    if (fcntl(stream, F_GETFD) >= 0 || errno != EBADF) return;
+    // The lowest free number is given out, and every lower stream is open by now.
+    if (open("/dev/null", O_RDWR) >= 0) return;
+    // A place that takes no bytes will do as well.
+    if (open("/", O_PATH) < 0) return;
+}
+
 }  // namespace
+
+void prepare_process() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) open_if_closed(stream);
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 std::string_view system_name() { return "Linux"; }
 
