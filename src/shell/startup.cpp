@@ -18,6 +18,7 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     check_processor_features();
     check_processor_groups();
     IntegrityCheck integrity_check(startup_state().program_path);
+    startup_state().program_digest = integrity_check.digest();
     qmp::console::newline();
     dispatcher(command_line, integrity_check);
     return 0;
