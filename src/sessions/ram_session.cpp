@@ -11,6 +11,7 @@
 #include "numbers/compute_context.h"
 #include "platform/memory/region_allocator.h"
 #include "platform/os/memory.h"
+#include "sessions/local_time.h"
 #include "sessions/output_files.h"
 #include "sessions/report.h"
 #include "sessions/session_progress.h"
@@ -39,7 +40,8 @@ struct RamSession::Memory {
 std::uint64_t RamSession::working_size(const RamComputation& computation) const {
     const std::uint64_t tasks = settings_.task_decomposition();
     const std::uint64_t hexadecimal = settings_.hexadecimal_digits();
-    return std::max({computation.working_bytes(), qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
+    return std::max({computation.working_bytes(),
+                     qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
                      hexadecimal > 0 ? qmp::hexadecimal_output_bytes(hexadecimal, tasks) : 0});
 }
 

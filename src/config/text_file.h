@@ -1,0 +1,25 @@
+// Text files in the encodings that editors save.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qmp {
+
+struct DecodedText {
+    // UTF-8, without the byte-order mark.
+    std::string text;
+    // "UTF-8", "UTF-16 (Little Endian)" or "UTF-16 (Big Endian)".
+    std::string_view format;
+};
+
+// A byte-order mark FF FE or FE FF announces UTF-16; anything else is UTF-8, with or without EF BB BF.
+// UTF-8 is taken byte for byte, malformed or not. In UTF-16 an unpaired surrogate becomes U+FFFD, and so
+// does a byte without its other half at the end.
+DecodedText decode_text(std::string bytes);
+
+// The whole file. FileException "Unable to open file." or "Unable to read file.", with the path and the
+// system's code.
+DecodedText read_text_file(const std::string& path);
+
+}  // namespace qmp
