@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "console/console.h"
 #include "console/format.h"
-#include "platform/os/threads.h"
+#include "platform/processor_system.h"
 
 namespace kelvara {
 
@@ -30,11 +29,7 @@ void check_processor_groups(std::span<const std::uint32_t> processors) {
 }
 
 void check_processor_groups() {
-    std::vector<std::uint32_t> processors(qmp::os::active_processor_groups());
-    for (std::uint32_t group = 0; group < processors.size(); ++group) {
-        processors[group] = qmp::os::active_processors(group);
-    }
-    check_processor_groups(processors);
+    check_processor_groups(qmp::group_processors(qmp::processor_system()));
 }
 
 }  // namespace kelvara

@@ -3,6 +3,7 @@
 #include "console/console.h"
 #include "platform/os/process.h"
 #include "platform/startup_state.h"
+#include "platform/topology.h"
 #include "shell/crash_handler.h"
 #include "shell/feature_check.h"
 #include "shell/group_check.h"
@@ -19,6 +20,9 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     check_processor_groups();
     IntegrityCheck integrity_check(startup_state().program_path);
     startup_state().program_digest = integrity_check.digest();
+    // They are made, and printed, before any worker thread asks for them.
+    qmp::core_table();
+    qmp::numa_table();
     qmp::console::newline();
     dispatcher(command_line, integrity_check);
     return 0;

@@ -23,6 +23,7 @@ TEST(GroupCheck, IsSilentAboutBalancedGroups) {
     EXPECT_EQ(groups_output({}), "");
     EXPECT_EQ(groups_output({64}), "");
     EXPECT_EQ(groups_output({64, 64}), "");
+    EXPECT_EQ(groups_output({36, 36}), "");
     EXPECT_EQ(groups_output({8, 8, 8, 8}), "");
 }
 
@@ -32,6 +33,12 @@ TEST(GroupCheck, WarnsOfImbalancedGroups) {
               "This may lead to suboptimal performance.\n"
               "    Group  0:  64 cores\n"
               "    Group  1:   8 cores\n"
+              "\n");
+    EXPECT_EQ(groups_output({36, 28}),
+              "Warning: Imbalanced processor groups detected.\n"
+              "This may lead to suboptimal performance.\n"
+              "    Group  0:  36 cores\n"
+              "    Group  1:  28 cores\n"
               "\n");
     const std::string many = groups_output({4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 100});
     EXPECT_NE(many.find("    Group  9:   4 cores\n    Group 10:  100 cores\n"), std::string::npos) << many;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace qmp::os {
 
@@ -10,6 +11,10 @@ namespace qmp::os {
 // failure.
 std::optional<std::int64_t> performance_counter();
 std::optional<std::int64_t> performance_frequency();
+
+// What the performance counter is made from, where the system says so: "TSC", "HPET", "ACPI", or an empty
+// text for anything else. Nothing where only the counter's frequency tells.
+std::optional<std::string_view> performance_counter_source();
 
 // Processor time of all threads of the process so far, in units of 100 ns.
 struct ProcessTimes {
@@ -31,6 +36,8 @@ struct LocalTime {
 LocalTime local_time();
 
 // The processor's own counter (RDTSC), not serialised against other instructions.
-std::uint64_t time_stamp_counter();
+inline std::uint64_t time_stamp_counter() {
+    return __builtin_ia32_rdtsc();
+}
 
 }  // namespace qmp::os

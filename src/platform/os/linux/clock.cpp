@@ -3,6 +3,8 @@
 #include <sys/resource.h>
 #include <time.h>
 
+#include "platform/os/linux/clock_source.h"
+
 namespace qmp::os {
 namespace {
 
@@ -21,6 +23,10 @@ std::optional<std::int64_t> performance_counter() {
 
 std::optional<std::int64_t> performance_frequency() {
     return 1'000'000'000;
+}
+
+std::optional<std::string_view> performance_counter_source() {
+    return clock_source_in("/sys/devices/system/clocksource/clocksource0/current_clocksource");
 }
 
 std::optional<ProcessTimes> process_times() {
@@ -45,10 +51,6 @@ LocalTime local_time() {
     result.second = fields.tm_sec < 60 ? fields.tm_sec : 59;
     result.millisecond = static_cast<int>(now.tv_nsec / 1'000'000);
     return result;
-}
-
-std::uint64_t time_stamp_counter() {
-    return __builtin_ia32_rdtsc();
 }
 
 }  // namespace qmp::os

@@ -23,6 +23,10 @@ std::optional<std::int64_t> performance_frequency() {
     return value.QuadPart;
 }
 
+std::optional<std::string_view> performance_counter_source() {
+    return std::nullopt;
+}
+
 std::optional<ProcessTimes> process_times() {
     FILETIME created, exited, kernel, user;
     if (!GetProcessTimes(GetCurrentProcess(), &created, &exited, &kernel, &user)) return std::nullopt;
@@ -42,10 +46,6 @@ LocalTime local_time() {
     result.second = now.wSecond;
     result.millisecond = now.wMilliseconds;
     return result;
-}
-
-std::uint64_t time_stamp_counter() {
-    return __builtin_ia32_rdtsc();
 }
 
 }  // namespace qmp::os
