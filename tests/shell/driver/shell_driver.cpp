@@ -10,6 +10,7 @@
 #include "console/labels.h"
 #include "console/progress.h"
 #include "errors/exception.h"
+#include "platform/os/console_device.h"
 #include "platform/startup_state.h"
 #include "shell/program.h"
 
@@ -112,5 +113,6 @@ void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_
 }  // namespace kelvara
 
 int main() {
+    qmp::os::restore_console_when_interrupted();
     return kelvara::run_program(kelvara::dispatch_test_actions);
 }
