@@ -30,9 +30,6 @@ void run_ordalis();
 void run_log_formula_generator();
 void run_swap_multiply_test();
 
-// What the processor and the system offer, as a list.
-void show_hardware_features();
-
 // The "config" action: consumes its keyword and runs a saved configuration.
 void run_configuration_file(CommandLine& command_line);
 

@@ -4,6 +4,7 @@
 
 #include "console/console.h"
 #include "console/input.h"
+#include "platform/features_screen.h"
 #include "shell/about_screen.h"
 #include "shell/compilation_options.h"
 #include "shell/entry_points.h"
@@ -42,7 +43,7 @@ const OptionMenu advanced_options = {
     {
         {"Benchmark Validator", 'T', run_benchmark_validator},
         {"Log(n) Formula Generator", 'T', run_log_formula_generator},
-        {"Hardware Features", 'T', show_hardware_features},
+        {"Hardware Features", 'T', [] { qmp::print_features(); }},
         {"Compilation Options", 'T', show_compilation_options},
         {"Test Swap Multiply", 'Y', run_swap_multiply_test},
     },

@@ -53,10 +53,6 @@ void run_swap_multiply_test() {
     not_available("The swap multiplication test");
 }
 
-void show_hardware_features() {
-    not_available("The list of hardware features");
-}
-
 void run_configuration_file(CommandLine&) {
     not_available("The \"config\" action");
 }

@@ -10,6 +10,7 @@
 #include "console/labels.h"
 #include "console/progress.h"
 #include "errors/exception.h"
+#include "platform/features_screen.h"
 #include "platform/os/console_device.h"
 #include "platform/startup_state.h"
 #include "shell/program.h"
@@ -57,6 +58,10 @@ void show_steps(const std::string&) {
     progress.end_step();
 }
 
+void show_features(const std::string&) {
+    qmp::print_features();
+}
+
 void throw_own(const std::string&) {
     throw qmp::InvalidParametersException("Driver::throw_own()", "An exception of the program's own.");
 }
@@ -91,12 +96,19 @@ void use_fatal_error(const std::string& text) {
 }
 
 const std::map<std::string, void (*)(const std::string&)> actions = {
-    {"echo", echo},         {"state", show_state},
-    {"number", ask_number}, {"digits", ask_digits},
-    {"line", ask_line},     {"steps", show_steps},
-    {"throw", throw_own},   {"throw-standard", throw_standard},
-    {"crash", crash},       {"overflow", overflow_stack},
-    {"abort", end_badly},   {"fatal", use_fatal_error},
+    {"echo", echo},
+    {"state", show_state},
+    {"number", ask_number},
+    {"digits", ask_digits},
+    {"line", ask_line},
+    {"steps", show_steps},
+    {"throw", throw_own},
+    {"throw-standard", throw_standard},
+    {"crash", crash},
+    {"overflow", overflow_stack},
+    {"abort", end_badly},
+    {"fatal", use_fatal_error},
+    {"features", show_features},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {

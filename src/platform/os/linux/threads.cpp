@@ -7,65 +7,44 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 #include <vector>
+
+#include "platform/os/linux/control_group.h"
+#include "platform/os/linux/processor_numbering.h"
 
 namespace qmp::os {
 namespace {
 
-// A set of processors by the system's numbers, as large as the kernel asks for.
-class ProcessorSet {
-  public:
-    // The calling thread's; empty on failure.
-    static ProcessorSet of_this_thread() {
-        for (std::size_t words = 16; words <= 1 << 14; words *= 2) {
-            ProcessorSet set;
-            set.words_.assign(words, 0);
-            if (sched_getaffinity(0, set.bytes(), set.data()) == 0) return set;
-            if (errno != EINVAL) break;  // EINVAL: the kernel's own sets are larger
+// The system's numbers of the processors that the calling thread may run on, ascending; empty on failure.
+std::vector<std::uint32_t> processors_of_this_thread() {
+    for (std::size_t words = 16; words <= 1 << 14; words *= 2) {
+        std::vector<std::uint64_t> set(words, 0);
+        const std::size_t bytes = words * sizeof(std::uint64_t);
+        if (sched_getaffinity(0, bytes, reinterpret_cast<cpu_set_t*>(set.data())) == 0) {
+            std::vector<std::uint32_t> list;
+            for (std::uint32_t i = 0; i < words * 64; ++i) {
+                if ((set[i / 64] >> i % 64 & 1) != 0) list.push_back(i);
+            }
+            return list;
         }
-        return {};
+        if (errno != EINVAL) break;  // EINVAL: the kernel's own sets are larger
     }
-
-    bool bind_this_thread() const { return sched_setaffinity(0, bytes(), data()) == 0; }
-
-    void insert(std::uint32_t processor) {
-        if (processor / 64 >= words_.size()) words_.resize(processor / 64 + 1, 0);
-        words_[processor / 64] |= std::uint64_t{1} << (processor % 64);
-    }
-    bool contains(std::uint32_t processor) const {
-        return processor / 64 < words_.size() && (words_[processor / 64] >> (processor % 64) & 1) != 0;
-    }
-    std::vector<std::uint32_t> processors() const {
-        std::vector<std::uint32_t> list;
-        for (std::uint32_t i = 0; i < words_.size() * 64; ++i) {
-            if (contains(i)) list.push_back(i);
-        }
-        return list;
-    }
-
-  private:
-    std::size_t bytes() const { return words_.size() * sizeof(std::uint64_t); }
-    cpu_set_t* data() { return reinterpret_cast<cpu_set_t*>(words_.data()); }
-    const cpu_set_t* data() const { return reinterpret_cast<const cpu_set_t*>(words_.data()); }
-
-    std::vector<std::uint64_t> words_;
-};
-
-// The processors of the process, ascending. Read once, before anything narrows a thread's own set: what
-// a thread is bound to says nothing about the others.
-const std::vector<std::uint32_t>& process_processors() {
-    static const std::vector<std::uint32_t> list = [] {
-        std::vector<std::uint32_t> processors = ProcessorSet::of_this_thread().processors();
-        if (processors.empty()) processors.push_back(0);
-        return processors;
-    }();
-    return list;
+    return {};
 }
-[[maybe_unused]] const std::size_t read_before_main = process_processors().size();
 
-std::uint64_t mask_of_all(std::size_t count) {
-    return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
+// At least one processor.
+bool bind_this_thread(const std::vector<std::uint32_t>& processors) {
+    std::vector<std::uint64_t> set(processors.back() / 64 + 1, 0);
+    for (const std::uint32_t processor : processors) {
+        set[processor / 64] |= std::uint64_t{1} << processor % 64;
+    }
+    return sched_setaffinity(0, set.size() * sizeof(std::uint64_t),
+                             reinterpret_cast<const cpu_set_t*>(set.data())) == 0;
 }
+
+// Read before main, before anything narrows a thread's own set.
+[[maybe_unused]] const std::uint32_t read_before_main = process_numbering().size();
 
 int nice_of_process() {
     static const int value = getpriority(PRIO_PROCESS, static_cast<id_t>(getpid()));
@@ -74,50 +53,50 @@ int nice_of_process() {
 
 }  // namespace
 
+const ProcessorNumbering& process_numbering() {
+    static const ProcessorNumbering numbering = [] {
+        std::vector<std::uint32_t> processors = processors_of_this_thread();
+        if (processors.empty()) processors.push_back(0);
+        return ProcessorNumbering(std::move(processors));
+    }();
+    return numbering;
+}
+
+const std::string_view processor_count_source = "sched_getaffinity()";
+
 std::uint32_t active_processor_groups() {
     return 1;
 }
 
 std::uint32_t active_processors(std::uint32_t group) {
-    return group == 0 ? static_cast<std::uint32_t>(process_processors().size()) : 0;
+    return group == 0 ? process_numbering().size() : 0;
 }
 
 std::uint32_t active_processors() {
-    return active_processors(0);
+    static const auto count = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(process_numbering().size(), control_group_processors()));
+    return count;
 }
 
 std::optional<GroupAffinity> thread_group_affinity() {
-    const ProcessorSet bound = ProcessorSet::of_this_thread();
-    const auto& all = process_processors();
     GroupAffinity affinity;
-    for (std::size_t k = 0; k < all.size() && k < 64; ++k) {
-        if (bound.contains(all[k])) affinity.mask |= std::uint64_t{1} << k;
-    }
-    // The first 64 of a larger group are not the whole group.
-    if (all.size() > 64 && affinity.mask == ~std::uint64_t{0} && !bound.contains(all.back()))
-        return std::nullopt;
-    if (affinity.mask == 0) return std::nullopt;
+    affinity.mask = process_numbering().mask_of(processors_of_this_thread());
+    if (affinity.mask.empty()) return std::nullopt;
     return affinity;
 }
 
-bool set_thread_group_affinity(GroupAffinity affinity) {
-    const auto& all = process_processors();
-    if (affinity.group != 0 || affinity.mask == 0) return false;
-    if ((affinity.mask & ~mask_of_all(all.size())) != 0) return false;
-    const bool whole_group = affinity.mask == mask_of_all(all.size());
-    ProcessorSet set;
-    for (std::size_t k = 0; k < all.size(); ++k) {
-        if (whole_group || (k < 64 && (affinity.mask >> k & 1) != 0)) set.insert(all[k]);
-    }
-    return set.bind_this_thread();
+bool set_thread_group_affinity(const GroupAffinity& affinity) {
+    if (affinity.group != 0 || affinity.mask.empty()) return false;
+    const auto processors = process_numbering().processors_of(affinity.mask);
+    return processors && bind_this_thread(*processors);
 }
 
 bool pin_thread_to_lowest_processor() {
-    return set_thread_group_affinity({0, 1});
+    return set_thread_group_affinity({0, ProcessorMask::of(0)});
 }
 
 bool unpin_thread() {
-    return set_thread_group_affinity({0, mask_of_all(process_processors().size())});
+    return set_thread_group_affinity({0, ProcessorMask::first(process_numbering().size())});
 }
 
 bool set_thread_priority(int priority) {

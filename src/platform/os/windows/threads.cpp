@@ -9,6 +9,17 @@ std::uint64_t lowest_bit(std::uint64_t mask) {
     return mask & (0 - mask);
 }
 
+GROUP_AFFINITY group_affinity(std::uint16_t group, std::uint64_t mask) {
+    GROUP_AFFINITY affinity{};
+    affinity.Group = group;
+    affinity.Mask = mask;
+    return affinity;
+}
+
+bool bind_this_thread(const GROUP_AFFINITY& affinity) {
+    return affinity.Mask != 0 && SetThreadGroupAffinity(GetCurrentThread(), &affinity, nullptr) != 0;
+}
+
 // 0 on failure, and for a process whose threads run in several groups.
 std::uint64_t process_mask() {
     DWORD_PTR process = 0;
@@ -17,14 +28,16 @@ std::uint64_t process_mask() {
 }
 
 // Where the process has no mask of its own, its thread's group stands for it.
-GroupAffinity whole_group_of_this_thread() {
-    const auto affinity = thread_group_affinity();
-    if (!affinity) return {};
-    const std::uint32_t count = active_processors(affinity->group);
-    return {affinity->group, count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1};
+GROUP_AFFINITY whole_group_of_this_thread() {
+    GROUP_AFFINITY affinity{};
+    if (!GetThreadGroupAffinity(GetCurrentThread(), &affinity)) return {};
+    const std::uint32_t count = active_processors(affinity.Group);
+    return group_affinity(affinity.Group, count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1);
 }
 
 }  // namespace
+
+const std::string_view processor_count_source = "GetActiveProcessorCount()";
 
 std::uint32_t active_processor_groups() {
     return GetActiveProcessorGroupCount();
@@ -42,29 +55,26 @@ std::uint32_t active_processors() {
 std::optional<GroupAffinity> thread_group_affinity() {
     GROUP_AFFINITY affinity{};
     if (!GetThreadGroupAffinity(GetCurrentThread(), &affinity)) return std::nullopt;
-    return GroupAffinity{affinity.Group, affinity.Mask};
+    return GroupAffinity{affinity.Group, ProcessorMask(affinity.Mask)};
 }
 
-bool set_thread_group_affinity(GroupAffinity affinity) {
-    GROUP_AFFINITY wanted{};
-    wanted.Group = affinity.group;
-    wanted.Mask = affinity.mask;
-    return SetThreadGroupAffinity(GetCurrentThread(), &wanted, nullptr) != 0;
+bool set_thread_group_affinity(const GroupAffinity& affinity) {
+    const auto word = affinity.mask.word();
+    return word && bind_this_thread(group_affinity(affinity.group, *word));
 }
 
 bool pin_thread_to_lowest_processor() {
     if (const std::uint64_t mask = process_mask()) {
         return SetThreadAffinityMask(GetCurrentThread(), lowest_bit(mask)) != 0;
     }
-    const GroupAffinity group = whole_group_of_this_thread();
-    return group.mask != 0 && set_thread_group_affinity({group.group, lowest_bit(group.mask)});
+    const GROUP_AFFINITY group = whole_group_of_this_thread();
+    return bind_this_thread(group_affinity(group.Group, lowest_bit(group.Mask)));
 }
 
 bool unpin_thread() {
     if (const std::uint64_t mask = process_mask())
         return SetThreadAffinityMask(GetCurrentThread(), mask) != 0;
-    const GroupAffinity group = whole_group_of_this_thread();
-    return group.mask != 0 && set_thread_group_affinity(group);
+    return bind_this_thread(whole_group_of_this_thread());
 }
 
 bool set_thread_priority(int priority) {
