@@ -1,21 +1,12 @@
 #include "platform/processor_features.h"
 
-#include <cpuid.h>
-
 #include <cstring>
 #include <string_view>
 
 namespace qmp {
 namespace {
 
-constexpr std::uint32_t extended_base = 0x80000000;
 constexpr std::uint32_t os_saves_extended_state = 27;  // bit of leaf 1 ECX
-
-CpuidLeaf read_leaf(std::uint32_t leaf) {
-    CpuidLeaf registers;
-    __cpuid_count(leaf, 0, registers.eax, registers.ebx, registers.ecx, registers.edx);
-    return registers;
-}
 
 // XGETBV by its mnemonic: the intrinsic would need a compiler flag.
 std::uint64_t read_xcr0() {
@@ -81,11 +72,11 @@ void set_extended_features(ProcessorFeatures& features, const CpuidLeaf& leaf) {
 
 CpuidLeaves read_cpuid() {
     CpuidLeaves leaves;
-    leaves.leaf_0 = read_leaf(0);
-    if (leaves.leaf_0.eax >= 1) leaves.leaf_1 = read_leaf(1);
-    if (leaves.leaf_0.eax >= 7) leaves.leaf_7 = read_leaf(7);
-    leaves.leaf_80000000 = read_leaf(extended_base);
-    if (leaves.leaf_80000000.eax >= extended_base + 1) leaves.leaf_80000001 = read_leaf(extended_base + 1);
+    leaves.leaf_0 = read_cpuid_leaf(0);
+    if (leaves.leaf_0.eax >= 1) leaves.leaf_1 = read_cpuid_leaf(1);
+    if (leaves.leaf_0.eax >= 7) leaves.leaf_7 = read_cpuid_leaf(7);
+    leaves.leaf_80000000 = read_cpuid_leaf(extended_cpuid_base);
+    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1) leaves.leaf_80000001 = read_cpuid_leaf(extended_cpuid_base + 1);
     if (bit(leaves.leaf_1.ecx, os_saves_extended_state)) leaves.xcr0 = read_xcr0();
     return leaves;
 }
@@ -103,7 +94,7 @@ ProcessorFeatures features_of(const CpuidLeaves& leaves) {
         features.os_avx512 = saved && (leaves.xcr0 & avx512_state) == avx512_state;
     }
     if (leaves.leaf_0.eax >= 7) set_leaf_7_features(features, leaves.leaf_7);
-    if (leaves.leaf_80000000.eax >= extended_base + 1) set_extended_features(features, leaves.leaf_80000001);
+    if (leaves.leaf_80000000.eax >= extended_cpuid_base + 1) set_extended_features(features, leaves.leaf_80000001);
     return features;
 }
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "platform/cpuid.h"
+
 namespace qmp {
 
 struct ProcessorFeatures {
@@ -16,11 +18,6 @@ struct ProcessorFeatures {
     bool avx = false, xop = false, fma3 = false, fma4 = false, avx2 = false;
     bool avx512f = false, avx512pf = false, avx512er = false, avx512cd = false, avx512vl = false;
     bool avx512bw = false, avx512dq = false, avx512ifma = false, avx512vbmi = false;
-};
-
-// The four registers that CPUID returns for one leaf.
-struct CpuidLeaf {
-    std::uint32_t eax = 0, ebx = 0, ecx = 0, edx = 0;
 };
 
 // Everything that the features follow from. Leaves that a processor lacks stay zero.

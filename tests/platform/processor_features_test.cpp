@@ -112,6 +112,28 @@ TEST(ProcessorFeatures, MissingLeavesLeaveTheirFeaturesFalse) {
     for (const Row& row : extended_rows) EXPECT_FALSE(six.*row.field) << row.name;
 }
 
+// The lowest maxima with which a leaf is there.
+TEST(ProcessorFeatures, TheHighestLeafItselfIsRead) {
+    CpuidLeaves leaves;
+    leaves.leaf_1 = leaves.leaf_7 = leaves.leaf_80000001 = {~0u, ~0u, ~0u, ~0u};
+    leaves.xcr0 = 0xe6;
+    leaves.leaf_0.eax = 1;
+    ProcessorFeatures features = qmp::features_of(leaves);
+    for (const Row& row : leaf_1_rows) EXPECT_TRUE(features.*row.field) << row.name;
+    EXPECT_TRUE(features.os_avx512);
+    EXPECT_EQ(count_of(features), static_cast<int>(leaf_1_rows.size()) + 2);
+
+    leaves.leaf_0.eax = 7;
+    features = qmp::features_of(leaves);
+    for (const Row& row : leaf_7_rows) EXPECT_TRUE(features.*row.field) << row.name;
+
+    leaves.leaf_0.eax = 0;
+    leaves.leaf_80000000.eax = 0x80000001;
+    features = qmp::features_of(leaves);
+    for (const Row& row : extended_rows) EXPECT_TRUE(features.*row.field) << row.name;
+    EXPECT_EQ(count_of(features), static_cast<int>(extended_rows.size()));
+}
+
 TEST(ProcessorFeatures, TheSystemMustSaveTheWideRegisters) {
     constexpr std::uint32_t osxsave = 1u << 27;
     constexpr std::uint32_t avx = 1u << 28;

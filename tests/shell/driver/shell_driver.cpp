@@ -10,6 +10,8 @@
 #include "console/labels.h"
 #include "console/progress.h"
 #include "errors/exception.h"
+#include "platform/features_screen.h"
+#include "platform/os/console_device.h"
 #include "platform/startup_state.h"
 #include "shell/program.h"
 
@@ -56,6 +58,10 @@ void show_steps(const std::string&) {
     progress.end_step();
 }
 
+void show_features(const std::string&) {
+    qmp::print_features();
+}
+
 void throw_own(const std::string&) {
     throw qmp::InvalidParametersException("Driver::throw_own()", "An exception of the program's own.");
 }
@@ -90,12 +96,19 @@ void use_fatal_error(const std::string& text) {
 }
 
 const std::map<std::string, void (*)(const std::string&)> actions = {
-    {"echo", echo},         {"state", show_state},
-    {"number", ask_number}, {"digits", ask_digits},
-    {"line", ask_line},     {"steps", show_steps},
-    {"throw", throw_own},   {"throw-standard", throw_standard},
-    {"crash", crash},       {"overflow", overflow_stack},
-    {"abort", end_badly},   {"fatal", use_fatal_error},
+    {"echo", echo},
+    {"state", show_state},
+    {"number", ask_number},
+    {"digits", ask_digits},
+    {"line", ask_line},
+    {"steps", show_steps},
+    {"throw", throw_own},
+    {"throw-standard", throw_standard},
+    {"crash", crash},
+    {"overflow", overflow_stack},
+    {"abort", end_badly},
+    {"fatal", use_fatal_error},
+    {"features", show_features},
 };
 
 void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_check) {
@@ -112,5 +125,6 @@ void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_
 }  // namespace kelvara
 
 int main() {
+    qmp::os::restore_console_when_interrupted();
     return kelvara::run_program(kelvara::dispatch_test_actions);
 }

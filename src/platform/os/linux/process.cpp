@@ -31,6 +31,8 @@ std::string read_process_file(const char* path) {
 
 std::string_view system_name() { return "Linux"; }
 
+std::string_view system_interface_name() { return "Linux API"; }
+
 std::vector<std::string> arguments() {
     const std::string joined = read_process_file("/proc/self/cmdline");
     std::vector<std::string> result;

@@ -19,6 +19,8 @@ std::u16string_view as_utf16(const wchar_t* text, std::size_t length) {
 
 std::string_view system_name() { return "Windows"; }
 
+std::string_view system_interface_name() { return "WinAPI"; }
+
 std::vector<std::string> arguments() {
     std::vector<std::string> result;
     int count = 0;
