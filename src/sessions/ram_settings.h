@@ -49,6 +49,9 @@ class RamSettings {
     std::string output_folder() const { return output_path.empty() ? default_folder_ : output_path; }
     void set_default_folder(std::string folder) { default_folder_ = std::move(folder); }
 
+    // Shown when the digits have passed the spot check; empty for nothing.
+    std::string success_text;
+
     // Throws when a computation could not end well: the output folder is missing or cannot be written.
     void check() const;
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "sessions/reference_clocks.h"
+#include "sessions/clock_rates.h"
 #include "sessions/spot_check.h"
 #include "sessions/timer_check.h"
 #include "sessions/utilization.h"
@@ -53,7 +53,7 @@ struct ValidationRecord {
 
     SpotCheckResult spot_check;
     TimerVerdict timer_check = TimerVerdict::unable_to_validate;
-    ReferenceClocks clocks;
+    ClockRates clocks;
     bool debugger_present = false;
     bool contiguous = true;  // from start to end without a restart
     std::uint64_t recovered_errors = 0;

@@ -8,15 +8,12 @@
 namespace kelvara {
 
 class CommandLine;
-class RamSettings;
-struct BenchmarkSize;
 
 // "Custom Compute a Constant", from default settings.
 void run_custom_compute_menu();
 
-// "Benchmark Pi:", from default settings; and the benchmark of one size, whose digits the settings hold.
+// "Benchmark Pi:", from default settings.
 void run_benchmark_menu();
-void run_benchmark(RamSettings& settings, const BenchmarkSize& size);
 void run_benchmark_validator();
 
 // The menus; and the actions, which consume their keyword and the options that follow.

@@ -17,16 +17,6 @@ void run_custom_compute_menu() {
     not_available("The custom-compute menu");
 }
 
-void run_benchmark_menu() {
-    not_available("The benchmark menu");
-}
-void run_benchmark(RamSettings&, const BenchmarkSize&) {
-    not_available("The benchmark");
-}
-void run_benchmark_validator() {
-    not_available("The benchmark validator");
-}
-
 void run_stress_test_menu() {
     not_available("The component stress tester");
 }
