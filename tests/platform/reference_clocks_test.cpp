@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/timers.h"
+#include "console/console.h"
 #include "support/clocks.h"
 #include "support/fatal.h"
 
@@ -85,7 +85,7 @@ constexpr const char* no_measurement = "\nUnable to measure clock speed\\.\n$";
 // Says whether the thread was let go before the program ends.
 struct Telling : FakeClocks {
     bool unpin_thread() override {
-        if (pinned) fputs("let go\n", stderr);
+        if (pinned) qmp::console::println("let go");
         return FakeClocks::unpin_thread();
     }
 };

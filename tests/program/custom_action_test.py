@@ -72,8 +72,20 @@ class Computing(ProgramTest):
                      "Multi-core Efficiency:  ", "Last Digits:  \n"):
             self.assertIn(text, output)
         self.assertIn("2164201989  :  1,000\n", output)
+        self.assert_machine_lines(output[output.index("Binary Hash:"):])
         self.assertIn(self.expected_hash("pi", 1000), output)
         self.assertNotIn("\x1b", output)
+
+    # The machine's lines follow the report, an empty line before and after them.
+    def assert_machine_lines(self, end_of_output):
+        lines = end_of_output.split("\n")
+        first = next(i for i, line in enumerate(lines) if line.startswith("Version:"))
+        self.assertEqual(lines[first - 1], "")
+        labels = [line[:22].rstrip() for line in lines[first:first + 6]]
+        self.assertEqual(labels[:5], ["Version:", "Processor(s):", "Topology:", "Physical Memory:", "Usable Memory:"])
+        self.assertIn(labels[5], ("CPU Base Frequency:", " CPU BaseFrequency:"))
+        self.assertEqual(lines[first + 6], "")
+        self.assertNotIn("Serial", end_of_output)
 
     @staticmethod
     def expected_hash(constant, digits):

@@ -178,6 +178,13 @@ TEST(SessionObserver, IsToldEveryStep) {
     EXPECT_TRUE(observed.decimal == run_session(pi_and_e[0], digits, 2, "pushpool").decimal);
 }
 
+TEST(SessionRecord, TellsTheMachine) {
+    const SystemInformation system = run_session(pi_and_e[5], digits, 1, "none").system;
+    EXPECT_EQ(system.os_version, qmp::os::os_version());
+    EXPECT_GE(system.logical_cores, 1u);
+    EXPECT_GT(system.usable_memory, 0u);
+}
+
 // The reservation is what the planners say, and the run stays within it.
 TEST(SessionRecord, TellsWhatWasReservedAndUsed) {
     for (const Algorithm& algorithm : pi_and_e) {

@@ -51,6 +51,7 @@ struct Outcome {
     qmp::DigitOutput decimal_output;
     qmp::DigitOutput hexadecimal_output;
     std::string log;
+    kelvara::SystemInformation system;
     std::uint64_t working_memory;
     std::uint64_t working_memory_peak;
     std::uint64_t twiddle_memory;
@@ -84,6 +85,7 @@ inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std
             record.decimal,
             record.hexadecimal,
             record.log.text(),
+            record.system,
             record.working_memory,
             record.working_memory_peak,
             record.twiddle_memory,
