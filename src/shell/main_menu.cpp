@@ -41,11 +41,11 @@ constexpr void (*choices[])() = {
 const OptionMenu advanced_options = {
     "Advanced Options",
     {
-        {"Benchmark Validator", 'T', run_benchmark_validator},
-        {"Log(n) Formula Generator", 'T', run_log_formula_generator},
-        {"Hardware Features", 'T', [] { qmp::print_features(); }},
-        {"Compilation Options", 'T', show_compilation_options},
-        {"Test Swap Multiply", 'Y', run_swap_multiply_test},
+        {"Benchmark Validator", 'T', run_benchmark_validator, {}},
+        {"Log(n) Formula Generator", 'T', run_log_formula_generator, {}},
+        {"Hardware Features", 'T', [] { qmp::print_features(); }, {}},
+        {"Compilation Options", 'T', show_compilation_options, {}},
+        {"Test Swap Multiply", 'Y', run_swap_multiply_test, {}},
     },
 };
 

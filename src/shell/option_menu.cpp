@@ -15,10 +15,9 @@ void print_numbered(std::uint64_t number, std::string_view name, console::Colour
     console::println("         " + std::string(name));
 }
 
-// An action always succeeds.
 bool run_entry(const OptionMenuEntry& entry) {
-    if (const auto* test = std::get_if<OptionMenuEntry::Test>(&entry.run)) return (*test)();
-    std::get<OptionMenuEntry::Action>(entry.run)();
+    if (entry.test) return entry.test();
+    entry.action();
     return true;
 }
 

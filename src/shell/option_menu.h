@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "console/console.h"
@@ -11,12 +10,11 @@
 namespace kelvara {
 
 struct OptionMenuEntry {
-    using Action = std::function<void()>;
-    using Test = std::function<bool()>;  // true on success
-
     std::string name;
     qmp::console::Colour colour = 'w';
-    std::variant<Action, Test> run;
+    // Exactly one of the two. A test returns true on success; an action always succeeds.
+    std::function<void()> action;
+    std::function<bool()> test;
 };
 
 struct OptionMenu {
