@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "errors/file_exception.h"
 #include "platform/os/file.h"
@@ -51,7 +52,8 @@ std::string read_whole_file(const std::string& path) {
 
 DecodedText decode_text(std::string bytes) {
     const std::string_view view = bytes;
-    if (view.starts_with(little_endian_mark)) return {from_utf16(view.substr(2), 0), "UTF-16 (Little Endian)"};
+    if (view.starts_with(little_endian_mark))
+        return {from_utf16(view.substr(2), 0), "UTF-16 (Little Endian)"};
     if (view.starts_with(big_endian_mark)) return {from_utf16(view.substr(2), 1), "UTF-16 (Big Endian)"};
     if (view.starts_with(utf8_mark)) bytes.erase(0, utf8_mark.size());
     return {std::move(bytes), "UTF-8"};

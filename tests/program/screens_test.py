@@ -37,8 +37,10 @@ class MainMenu(unittest.TestCase):
         for answer in ("", "letters", "-", "\u20ac", " 9", "+3", "0x"):
             with Session() as session:
                 session.answer("option: ", answer)
-                self.assertEqual(session.end(), 0)
-                self.assertIn("The benchmark menu is not available in this build yet.", session.text())
+                session.wait_for("\nBenchmark Pi:\n")
+                session.wait_for("option: ")
+                session.type(b"\x04")
+                self.assertEqual(session.end(), 1)
 
     def test_only_the_leading_digits_count(self):
         with Session() as session:
@@ -48,7 +50,6 @@ class MainMenu(unittest.TestCase):
 
     def test_every_entry(self):
         answers = {
-            "0": "The benchmark menu is not available in this build yet.",
             "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
             "3": "The custom-compute menu is not available in this build yet.",
@@ -61,7 +62,7 @@ class MainMenu(unittest.TestCase):
             with Session() as session:
                 session.answer("option: ", choice)
                 if choice == "6":
-                    session.answer("option: ", "0")
+                    session.answer("option: ", "1")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
 
@@ -101,7 +102,6 @@ class AdvancedOptions(unittest.TestCase):
 
     def test_every_entry(self):
         answers = {
-            "0": "The benchmark validator is not available in this build yet.",
             "1": "The log formula generator is not available in this build yet.",
             "2": "  * x64         = Yes\n",
             "4": "The swap multiplication test is not available in this build yet.",
@@ -111,6 +111,13 @@ class AdvancedOptions(unittest.TestCase):
                 self.open(session, choice)
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
+
+    def test_the_validator_asks_for_a_file(self):
+        with Session() as session:
+            self.open(session, "0")
+            session.answer("\nBenchmark Validator\n\nEnter Path of Validation File:\n", "no such file")
+            self.assertEqual(session.end(), 0)
+            self.assertIn("\nUnable to open validation file: no such file.txt\n", session.text())
 
     def test_the_range_is_0_to_4(self):
         with Session() as session:
