@@ -36,6 +36,20 @@ std::string_view type_name(Type type) {
     return "invalid type";
 }
 
+std::unique_ptr<Value> make_value(Type type) {
+    switch (type) {
+        case Type::integer:
+            return std::make_unique<Integer>();
+        case Type::string:
+            return std::make_unique<String>();
+        case Type::array:
+            return std::make_unique<Array>();
+        case Type::object:
+            return std::make_unique<Object>();
+    }
+    throw ParseException("", "Invalid object type: " + std::to_string(static_cast<std::uint32_t>(type)));
+}
+
 std::int64_t as_integer(const Value& value, std::string_view context) {
     return checked<Integer>(value, Type::integer, context).value;
 }
@@ -80,10 +94,15 @@ std::unique_ptr<Value> Object::clone() const {
     return copy;
 }
 
-void Object::insert(std::string key, std::unique_ptr<Value> value, std::string member_comment) {
-    const auto [place, inserted] = places_.emplace(key, members_.size());
-    if (!inserted) throw ParseException("", "Duplicate key in object.");
+bool Object::try_insert(std::string key, std::unique_ptr<Value> value, std::string member_comment) {
+    if (!places_.emplace(key, members_.size()).second) return false;
     members_.push_back({std::move(key), std::move(member_comment), std::move(value)});
+    return true;
+}
+
+void Object::insert(std::string key, std::unique_ptr<Value> value, std::string member_comment) {
+    if (!try_insert(std::move(key), std::move(value), std::move(member_comment)))
+        throw ParseException("", "Duplicate key in object.");
 }
 
 void Object::insert_integer(std::string key, std::int64_t value, std::string member_comment) {

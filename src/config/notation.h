@@ -2,14 +2,17 @@
 //
 // Booleans are the strings "true" and "false". Members of an object keep the order of their insertion.
 // Typed access throws a ParseException: "Key not found: KEY", or "CONTEXT: Expected TYPE, got TYPE."
-// (without "CONTEXT: " when the context is empty), or "Expected true or false.".
+// (without "CONTEXT: " when the context is empty), or "Expected true or false.". notation_parser.h reads
+// texts.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <map>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace qmp::notation {
@@ -24,9 +27,10 @@ class Value {
   public:
     virtual ~Value() = default;
     Type type() const { return type_; }
-    // As text; `level` is the depth of the line that it stands on, four blanks each.
-    virtual std::string to_text(std::uint64_t level) const = 0;
+    // Appends the value as text; `level` is the depth of the line that it stands on, four blanks each.
+    virtual void append_text(std::string& text, std::uint64_t level) const = 0;
     virtual std::unique_ptr<Value> clone() const = 0;
+    std::string to_text(std::uint64_t level) const;
 
   protected:
     explicit Value(Type type) : type_(type) {}
@@ -40,7 +44,7 @@ class Value {
 class Integer final : public Value {
   public:
     explicit Integer(std::int64_t number = 0) : Value(Type::integer), value(number) {}
-    std::string to_text(std::uint64_t level) const override;
+    void append_text(std::string& text, std::uint64_t level) const override;
     std::unique_ptr<Value> clone() const override;
 
     std::int64_t value;
@@ -49,7 +53,7 @@ class Integer final : public Value {
 class String final : public Value {
   public:
     explicit String(std::string text = {}) : Value(Type::string), value(std::move(text)) {}
-    std::string to_text(std::uint64_t level) const override;
+    void append_text(std::string& text, std::uint64_t level) const override;
     std::unique_ptr<Value> clone() const override;
 
     std::string value;
@@ -60,7 +64,7 @@ class Array final : public Value {
     Array() : Value(Type::array) {}
     Array(Array&&) = default;
     Array& operator=(Array&&) = default;
-    std::string to_text(std::uint64_t level) const override;
+    void append_text(std::string& text, std::uint64_t level) const override;
     std::unique_ptr<Value> clone() const override;
 
     void append(std::unique_ptr<Value> element) { elements_.push_back(std::move(element)); }
@@ -72,6 +76,7 @@ class Array final : public Value {
     std::vector<std::unique_ptr<Value>> elements_;
 };
 
+// A text can only be read back when its keys hold nothing but identifier characters, quotes and backslashes.
 struct Member {
     std::string key;
     std::string comment;  // lines separated by LF; empty for none
@@ -83,9 +88,11 @@ class Object final : public Value {
     Object() : Value(Type::object) {}
     Object(Object&&) = default;
     Object& operator=(Object&&) = default;
-    std::string to_text(std::uint64_t level) const override;
+    void append_text(std::string& text, std::uint64_t level) const override;
     std::unique_ptr<Value> clone() const override;
 
+    // False, and nothing is inserted, when the key is already there.
+    bool try_insert(std::string key, std::unique_ptr<Value> value, std::string comment = {});
     // A key that is already there is a ParseException "Duplicate key in object.".
     void insert(std::string key, std::unique_ptr<Value> value, std::string comment = {});
     void insert_integer(std::string key, std::int64_t value, std::string comment = {});
@@ -105,12 +112,21 @@ class Object final : public Value {
 
     const std::vector<Member>& members() const { return members_; }
 
-    std::string comment;  // one line, behind the opening brace
+    std::string comment;  // one line, behind the opening brace; an empty object shows none
 
   private:
+    // Finds keys by views of them.
+    struct KeyHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view key) const { return std::hash<std::string_view>{}(key); }
+    };
+
     std::vector<Member> members_;
-    std::map<std::string, std::uint64_t, std::less<>> places_;  // of the members, by key
+    std::unordered_map<std::string, std::uint64_t, KeyHash, std::equal_to<>> places_;  // of the members
 };
+
+// A value of that type, empty or 0. A code that is no type is a ParseException "Invalid object type: CODE".
+std::unique_ptr<Value> make_value(Type type);
 
 // The value itself as another type, or the type error.
 std::int64_t as_integer(const Value& value, std::string_view context);

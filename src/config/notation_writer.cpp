@@ -6,64 +6,88 @@
 namespace qmp::notation {
 namespace {
 
-std::string indentation(std::uint64_t level) {
-    return std::string(level * 4, ' ');
+void append_indentation(std::string& text, std::uint64_t level) {
+    text.append(level * 4, ' ');
 }
 
-void append_comment(std::string& text, const std::string& comment, const std::string& indent) {
+void append_escaped(std::string& text, const std::string& raw) {
+    for (const char c : raw) {
+        if (c == '"' || c == '\\') text += '\\';
+        text += c;
+    }
+}
+
+void append_comment(std::string& text, const std::string& comment, std::uint64_t level) {
     text += "\r\n";
     for (std::size_t start = 0; start <= comment.size();) {
         const std::size_t end = std::min(comment.find('\n', start), comment.size());
-        text += indent + "//  " + comment.substr(start, end - start) + "\r\n";
+        append_indentation(text, level);
+        text += "//  ";
+        text.append(comment, start, end - start);
+        text += "\r\n";
         start = end + 1;
     }
 }
 
 }  // namespace
 
-std::string Integer::to_text(std::uint64_t) const {
-    return std::to_string(value);
+std::string Value::to_text(std::uint64_t level) const {
+    std::string text;
+    append_text(text, level);
+    return text;
 }
 
-std::string String::to_text(std::uint64_t) const {
-    std::string text = "\"";
-    for (const char c : value) {
-        if (c == '"' || c == '\\') text += '\\';
-        text += c;
-    }
-    return text + '"';
+void Integer::append_text(std::string& text, std::uint64_t) const {
+    text += std::to_string(value);
 }
 
-std::string Array::to_text(std::uint64_t level) const {
-    if (elements_.empty()) return "[]";
+void String::append_text(std::string& text, std::uint64_t) const {
+    text += '"';
+    append_escaped(text, value);
+    text += '"';
+}
+
+void Array::append_text(std::string& text, std::uint64_t level) const {
     const bool integers = std::all_of(elements_.begin(), elements_.end(),
                                       [](const auto& element) { return element->type() == Type::integer; });
     const bool one_string = size() == 1 && elements_.front()->type() == Type::string;
+    text += '[';
     if (integers || one_string) {
-        std::string text = "[";
         for (const auto& element : elements_) {
-            if (text.size() > 1) text += ' ';
-            text += element->to_text(level);
+            if (element != elements_.front()) text += ' ';
+            element->append_text(text, level);
         }
-        return text + ']';
+        text += ']';
+        return;
     }
-    std::string text = "[\r\n";
-    for (const auto& element : elements_)
-        text += indentation(level + 1) + element->to_text(level + 1) + "\r\n";
-    return text + indentation(level) + "]\r\n";
+    text += "\r\n";
+    for (const auto& element : elements_) {
+        append_indentation(text, level + 1);
+        element->append_text(text, level + 1);
+        text += "\r\n";
+    }
+    append_indentation(text, level);
+    text += "]\r\n";
 }
 
-std::string Object::to_text(std::uint64_t level) const {
-    if (members_.empty()) return "{}";
-    std::string text = "{";
+void Object::append_text(std::string& text, std::uint64_t level) const {
+    if (members_.empty()) {
+        text += "{}";
+        return;
+    }
+    text += '{';
     if (!comment.empty()) text += "   //  " + comment;
     text += "\r\n";
-    const std::string inner = indentation(level + 1);
     for (const Member& member : members_) {
-        if (!member.comment.empty()) append_comment(text, member.comment, inner);
-        text += inner + member.key + " : " + member.value->to_text(level + 1) + "\r\n";
+        if (!member.comment.empty()) append_comment(text, member.comment, level + 1);
+        append_indentation(text, level + 1);
+        append_escaped(text, member.key);
+        text += " : ";
+        member.value->append_text(text, level + 1);
+        text += "\r\n";
     }
-    return text + indentation(level) + "}\r\n";
+    append_indentation(text, level);
+    text += "}\r\n";
 }
 
 }  // namespace qmp::notation

@@ -5,12 +5,12 @@
 #include <optional>
 #include <utility>
 
+#include "config/text_cursor.h"
 #include "console/console.h"
 #include "console/input.h"
 #include "platform/menu_layout.h"
 #include "platform/os/threads.h"
 #include "platform/parallel/spare_processor.h"
-#include "platform/text_cursor.h"
 #include "platform/thread_group.h"
 
 namespace qmp {

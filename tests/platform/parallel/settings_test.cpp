@@ -1,13 +1,13 @@
 // Registry, menus, texts and saved settings of the frameworks.
 #include <gtest/gtest.h>
 
+#include "config/text_cursor.h"
 #include "errors/exception.h"
 #include "platform/parallel/menus.h"
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/registry.h"
 #include "platform/parallel/serial_parallelizer.h"
 #include "platform/parallel/thread_priority.h"
-#include "platform/text_cursor.h"
 #include "support/console.h"
 #include "support/fatal.h"
 
@@ -220,26 +220,6 @@ TEST(FrameworkSettings, AThreadLimitOutOfRangeIsCut) {
     qmp::TextCursor negative("-3 1");
     pool.load_settings(negative);
     EXPECT_EQ(pool.threads, 0u);
-}
-
-TEST(TextCursor, ReadsIntegersBetweenWhitespace) {
-    qmp::TextCursor cursor("  12\t-7\r\n0 9223372036854775807 -9999999999999999999 ");
-    EXPECT_EQ(cursor.read_integer(), 12);
-    EXPECT_EQ(cursor.read_integer(), -7);
-    EXPECT_EQ(cursor.read_integer(), 0);
-    EXPECT_EQ(cursor.read_integer(), INT64_MAX);
-    EXPECT_EQ(cursor.read_integer(), -INT64_MAX);
-    EXPECT_THROW(cursor.read_integer(), qmp::ParseException);
-}
-
-TEST(TextCursor, RefusesWhatIsNoInteger) {
-    for (const char* text : {"", "   ", "-", "- 1", "12x", "x", "label 12\r\n", "label:\t12x\r\n", "label:\t",
-                             "label:\t12", "label\n\t12\n"}) {
-        qmp::TextCursor cursor(text);
-        EXPECT_EQ(message_of<qmp::ParseException>([&] { cursor.read_integer(); }),
-                  "Unexpected end of string.")
-            << text;
-    }
 }
 
 TEST(ThreadPriority, UnknownNumbersAreOnlyAWarning) {
