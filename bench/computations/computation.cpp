@@ -21,13 +21,35 @@ namespace {
 using kelvara::RamSession;
 using kelvara::RamSettings;
 
+// Computations leave a validation file where the process stands: in a folder that goes away with them.
+class PassingFolder {
+  public:
+    explicit PassingFolder(const std::filesystem::path& parent)
+        : before_(std::filesystem::current_path()),
+          folder_(std::filesystem::absolute(parent) / "validation") {
+        std::filesystem::create_directories(folder_);
+        std::filesystem::current_path(folder_);
+    }
+    ~PassingFolder() {
+        std::error_code ignored;
+        std::filesystem::current_path(before_, ignored);
+        std::filesystem::remove_all(folder_, ignored);
+    }
+    PassingFolder(const PassingFolder&) = delete;
+    PassingFolder& operator=(const PassingFolder&) = delete;
+
+  private:
+    std::filesystem::path before_;
+    std::filesystem::path folder_;
+};
+
 void set_up(RamSettings& settings, const Computation& computation, const std::string& folder) {
     settings.set_constant(kelvara::make_constant(kelvara::constant_id(computation.constant)));
     settings.set_algorithm(computation.algorithm);
     settings.set_decimal_digits(computation.digits);
     settings.set_hexadecimal_digits(0);
     settings.set_task_decomposition(computation.tasks);
-    settings.output_path = folder;
+    settings.output_path = std::filesystem::absolute(folder).string();
     settings.check();
 }
 
@@ -106,6 +128,7 @@ std::optional<Result> run(const Computation& computation, std::uint64_t runs, co
         restart_resident_peak();
         {
             const QuietOutput quiet;
+            const PassingFolder work(folder);
             session.run();
         }
         const kelvara::SessionRecord& record = session.record();

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/sha256.h"
+#include "platform/sha2.h"
 #include "swap/sequential_file.h"
 
 namespace bench {

@@ -1,6 +1,7 @@
 #include "console/console.h"
 
 #include <atomic>
+#include <cstdlib>
 
 #include "console/output_buffer.h"
 #include "platform/os/console_device.h"
@@ -10,7 +11,13 @@
 namespace qmp::console {
 namespace {
 
-std::atomic<bool> colouring{true};
+// NO_COLOR is how users ask every program for plain text.
+bool colours_are_welcome() {
+    const char* refusal = std::getenv("NO_COLOR");
+    return refusal == nullptr || *refusal == '\0';
+}
+
+std::atomic<bool> colouring{colours_are_welcome()};
 std::atomic<std::uint64_t> outputs{0};
 
 constexpr int white_attribute = 7;
@@ -216,8 +223,8 @@ std::uint64_t output_counter() {
     return outputs.load(std::memory_order_relaxed);
 }
 
-bool output_is_console() {
-    return os::output_is_console();
+bool can_rewrite_lines() {
+    return os::console_rewrites_lines();
 }
 
 std::uint64_t window_columns() {

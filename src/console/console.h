@@ -20,7 +20,8 @@ using Colour = char;
 // The console text attribute of a colour letter, or -1 for ' '.
 int colour_attribute(Colour colour);
 
-// Colours are skipped entirely while disabled; text is still written.
+// Colours are skipped entirely while disabled; text is still written. They are enabled from the start
+// unless the environment variable NO_COLOR holds something.
 void enable_colours(bool enabled);
 bool colours_enabled();
 
@@ -70,8 +71,8 @@ bool set_window_size(int width, int height);
 // One count per write and per pause.
 std::uint64_t output_counter();
 
-// True when standard output is a console, on which a line can be rewritten.
-bool output_is_console();
+// True when standard output is a console on which a line can be rewritten.
+bool can_rewrite_lines();
 
 // The columns of the console's window; 80 where there is none.
 std::uint64_t window_columns();

@@ -101,7 +101,7 @@ void ConsoleProgress::end_line() {
 }
 
 void ConsoleProgress::redraw() {
-    if (!active_ || !console::output_is_console()) return;
+    if (!active_ || !console::can_rewrite_lines()) return;
     if (labels_.empty()) {
         erase_label();
     } else if (may_draw()) {

@@ -1,6 +1,7 @@
 #include "errors/file_exception.h"
 
 #include "console/console.h"
+#include "errors/os_errors.h"
 #include "errors/record.h"
 #include "errors/registry.h"
 
@@ -12,6 +13,13 @@ void FileFailure::print_body() const {
     console::println("Path: " + path_);
     console::newline();
     console::println(message_);
+}
+
+void print_file_warning(std::string_view text, const FileFailure& failure) {
+    console::print_warning(text, true);
+    console::println("Error Code " + std::to_string(failure.error_code()) + ": " +
+                     os_error_text(failure.error_code()));
+    console::reset_color();
 }
 
 std::string FileFailure::serialize_as(const char* name) const {

@@ -3,6 +3,8 @@
 // FileException, so a handler of file failures does not catch them by accident.
 #pragma once
 
+#include <string_view>
+
 #include "errors/exception.h"
 
 namespace qmp {
@@ -29,6 +31,9 @@ class FileFailure : public Exception {
     std::string path_;
     std::uint32_t error_code_;
 };
+
+// For a failure that does not stop what is being done: the text as a warning, the code and its meaning.
+void print_file_warning(std::string_view text, const FileFailure& failure);
 
 namespace FileIO {
 

@@ -54,8 +54,12 @@ void print_os_error(std::uint32_t code) {
     console::println("", 'w');
 }
 
+std::string os_error_text(std::uint32_t code) {
+    return or_unknown(thrown_text(code));
+}
+
 void throw_os_error(std::uint32_t code, const std::string& path) {
-    throw R03::Raid03Exception("", or_unknown(thrown_text(code)), path, code);
+    throw R03::Raid03Exception("", os_error_text(code), path, code);
 }
 
 }  // namespace qmp

@@ -11,6 +11,9 @@ namespace qmp {
 // Prints "Windows Error Code" with the code and its text, in red. Throws nothing.
 void print_os_error(std::uint32_t code);
 
+// The text that a failure with this code is raised with: "Path does not exist."
+std::string os_error_text(std::uint32_t code);
+
 // Throws a Raid03Exception with an empty function, the code's message, the path and the code.
 [[noreturn]] void throw_os_error(std::uint32_t code, const std::string& path);
 

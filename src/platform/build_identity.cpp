@@ -32,8 +32,8 @@ constexpr RequiredFeature avx2_features[] = {
 };
 
 constexpr BuildIdentity identities[] = {
-    {"0.7.3", "9474", "11-BD1 ~ Vessa", fma4_features},
-    {"0.7.3", "9474", "20-AVX2 ~ Vessa", avx2_features},
+    {"0.7.3", "9474", "11-BD1 ~ Vessa", "Bulldozer (x64 XOP)", fma4_features},
+    {"0.7.3", "9474", "20-AVX2 ~ Vessa", "Broadwell (x64 AVX2)", avx2_features},
 };
 
 // The row whose tag begins with the chosen word; an unknown word does not compile.

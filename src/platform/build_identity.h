@@ -23,6 +23,8 @@ struct BuildIdentity {
     std::string_view version;
     std::string_view build;
     std::string_view tag;
+    // The processors that the identity is made for.
+    std::string_view tuning;
     std::span<const RequiredFeature> required;
 };
 

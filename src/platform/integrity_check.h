@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/sha256.h"
+#include "platform/sha2.h"
 
 namespace kelvara {
 

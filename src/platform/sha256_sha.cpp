@@ -1,5 +1,6 @@
 #include <immintrin.h>
 
+#include "platform/sha2_constants.h"
 #include "platform/sha256_kernels.h"
 
 namespace qmp {
@@ -36,7 +37,7 @@ void compress(std::uint32_t* state, const std::uint8_t* blocks, std::size_t coun
                 words = _mm_add_epi32(words, _mm_alignr_epi8(newest, schedule[(i + 2) % 4], 4));
                 words = _mm_sha256msg2_epu32(words, newest);
             }
-            const __m128i sum = _mm_add_epi32(words, load(sha256_round_constants + 4 * i));
+            const __m128i sum = _mm_add_epi32(words, load(sha256_round_constants.words + 4 * i));
             hgdc = _mm_sha256rnds2_epu32(hgdc, feba, sum);
             feba = _mm_sha256rnds2_epu32(feba, hgdc, _mm_shuffle_epi32(sum, 0x0e));
         }

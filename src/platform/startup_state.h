@@ -17,6 +17,9 @@ struct StartupState {
     // With its trailing separator.
     std::string program_directory;
 
+    // Of the executable, taken at start; empty when it could not be read.
+    std::string program_digest;
+
     // Negative: never pause at the end; 0: only in a fresh console; positive: always.
     std::int32_t pause_mode = 0;
     // Serial numbers and the like of memory modules and boards are shown.

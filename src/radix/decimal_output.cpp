@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "errors/recovered_errors.h"
 #include "radix/convert.h"
 #include "radix/digit_codecs.h"
 #include "radix/digit_stream.h"
@@ -51,7 +52,10 @@ class DecimalDriver {
         for (std::uint64_t attempt = 0;; ++attempt) {
             ConvertResult result = attempt_conversion(f);
             hooks_.converted(attempt, result, words_.data(), m_);
-            if (result.status == 0) return;
+            if (result.status == 0) {
+                count_recovered_errors(attempt);
+                return;
+            }
             progress().message("Radix Conversion Failed - Reattempting...", 'R');
         }
     }
@@ -96,6 +100,7 @@ class DecimalDriver {
         if (!agrees(binary)) {
             progress().message("Verification Failed - Reattempting...", 'R');
             binary = hash_binary(context_, number.fraction, m_, 1, hooks_);
+            if (agrees(binary)) count_recovered_errors(1);
         }
         if (!agrees(binary)) {
             progress().message("R = " + std::to_string(decimal.words), 'R');

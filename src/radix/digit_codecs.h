@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "multiply/word.h"
 
@@ -39,5 +40,12 @@ void raw_to_hex(char* text, const char* raw, std::uint64_t n);
 // character is not a digit of the radix (upper-case letters are not).
 bool dec_to_raw(char* raw, const char* text, std::uint64_t n);
 bool hex_to_raw(char* raw, const char* text, std::uint64_t n);
+
+// A codec and the instruction set of its fastest kernel in this build.
+struct DigitCodec {
+    const char* name;
+    const char* instruction_set;
+};
+std::span<const DigitCodec> digit_codecs();
 
 }  // namespace qmp

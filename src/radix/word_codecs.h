@@ -19,7 +19,6 @@ struct WordCodecs {
     void (*u32_to_h8)(char* raw, const std::uint32_t* words, std::uint64_t n);
     void (*u32_to_h8_text)(char* text, const std::uint32_t* words, std::uint64_t n);
     void (*d19_to_u64)(Word* words, const char* raw, std::uint64_t n);
-    void (*h16_to_u64)(Word* words, const char* raw, std::uint64_t n);
 };
 
 const WordCodecs& scalar_word_codecs();

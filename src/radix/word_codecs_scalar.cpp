@@ -45,12 +45,6 @@ Word hexadecimal_bytes(std::uint32_t v) {
     return ((x >> 4) & 0x000f000f000f000f) | ((x & 0x000f000f000f000f) << 8);
 }
 
-std::uint32_t hexadecimal_value(Word bytes) {
-    const Word twos = ((bytes << 4) | (bytes >> 8)) & 0x00ff00ff00ff00ff;
-    const Word fours = ((twos << 8) | (twos >> 16)) & 0x0000ffff0000ffff;
-    return static_cast<std::uint32_t>((fours << 16) | (fours >> 32));
-}
-
 Word decimal_text(Word bytes) {
     return bytes + every_byte * '0';
 }
@@ -112,12 +106,6 @@ void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
     }
 }
 
-void hexadecimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
-    for (std::uint64_t i = n; i-- > 0; digits += 16) {
-        words[i] = Word{hexadecimal_value(load(digits))} << 32 | hexadecimal_value(load(digits + 8));
-    }
-}
-
 }  // namespace
 
 const WordCodecs& scalar_word_codecs() {
@@ -130,8 +118,7 @@ const WordCodecs& scalar_word_codecs() {
                                           u32_to_decimal<true>,
                                           u32_to_hexadecimal<false>,
                                           u32_to_hexadecimal<true>,
-                                          decimal_to_u64,
-                                          hexadecimal_to_u64};
+                                          decimal_to_u64};
     return codecs;
 }
 

@@ -151,16 +151,6 @@ void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
     }
 }
 
-void hexadecimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
-    const __m128i sixteens = _mm_set1_epi16(16 | 1 << 8);
-    const __m128i reverse = _mm_setr_epi8(7, 6, 5, 4, 3, 2, 1, 0, -1, -1, -1, -1, -1, -1, -1, -1);
-    for (; n > 0; --n, digits += 16) {
-        const __m128i twos = _mm_maddubs_epi16(load(digits), sixteens);
-        const __m128i bytes = _mm_shuffle_epi8(_mm_packus_epi16(twos, twos), reverse);
-        words[n - 1] = static_cast<Word>(_mm_cvtsi128_si64(bytes));
-    }
-}
-
 }  // namespace
 
 const WordCodecs& sse4_word_codecs() {
@@ -173,8 +163,7 @@ const WordCodecs& sse4_word_codecs() {
                                           u32_to_decimal<true>,
                                           u32_to_hexadecimal<false>,
                                           u32_to_hexadecimal<true>,
-                                          decimal_to_u64,
-                                          hexadecimal_to_u64};
+                                          decimal_to_u64};
     return codecs;
 }
 

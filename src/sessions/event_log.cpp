@@ -1,27 +1,9 @@
 #include "sessions/event_log.h"
 
 #include "console/format.h"
-#include "platform/os/clock.h"
+#include "sessions/local_time.h"
 
 namespace kelvara {
-namespace {
-
-std::string padded(int value, std::size_t width, char fill) {
-    std::string text = std::to_string(value);
-    return text.size() < width ? std::string(width - text.size(), fill) + text : text;
-}
-
-}  // namespace
-
-std::string local_time_text() {
-    static constexpr const char* weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const qmp::os::LocalTime time = qmp::os::local_time();
-    return std::string(weekdays[time.day_of_week]) + " " + months[time.month - 1] + " " +
-           padded(time.day, 2, ' ') + " " + padded(time.hour, 2, '0') + ":" + padded(time.minute, 2, '0') +
-           ":" + padded(time.second, 2, '0') + " " + padded(time.year, 4, '0');
-}
 
 EventLog::EventLog() : started_(qmp::now()) {}
 

@@ -29,7 +29,4 @@ class EventLog {
     qmp::FileIO::SequentialFile file_;
 };
 
-// "Thu Nov 12 21:11:02 2026", the local time now.
-std::string local_time_text();
-
 }  // namespace kelvara

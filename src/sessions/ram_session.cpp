@@ -11,9 +11,13 @@
 #include "numbers/compute_context.h"
 #include "platform/memory/region_allocator.h"
 #include "platform/os/memory.h"
+#include "platform/startup_state.h"
+#include "sessions/local_time.h"
 #include "sessions/output_files.h"
 #include "sessions/report.h"
 #include "sessions/session_progress.h"
+#include "sessions/session_validation.h"
+#include "sessions/validation_file.h"
 
 namespace kelvara {
 namespace {
@@ -134,15 +138,32 @@ void RamSession::compute_and_write(Memory& memory, const RamComputation& computa
     record_.files = files.files();
     record_.working_memory_peak = memory.region->peak_bytes();
     record_.ended = qmp::cpu_now();
+    record_.clocks_ended = read_clocks();
     record_.end_time = local_time_text();
     settings_.framework().reset();
     record_.log.append("End Computation");
     print_report(record_);
+    check_digits();
     // Some systems take their time over it, which is not the computation's.
     record_.system = gather_system_info();
     print_system_info(record_.system);
     console::newline();
+    write_validation_file(validation_record(settings_, computation, record_),
+                          ValidationSealer::of_this_program());
     files.rethrow_failure();
+}
+
+// The digits are read back from the file that they were written to.
+void RamSession::check_digits() {
+    const WrittenFile& file = record_.files.back();
+    record_.spot_check = spot_check_file(program_directory(), settings_.constant().short_name(),
+                                         file.complete ? file.path : std::string(), record_.decimal.digits);
+    print_spot_check(record_.spot_check);
+    if (record_.spot_check.kind == SpotCheckResult::Kind::passed && !settings_.success_text.empty()) {
+        console::println(settings_.success_text, 'G');
+        console::reset_color();
+    }
+    console::newline();
 }
 
 void RamSession::run() {
@@ -152,6 +173,7 @@ void RamSession::run() {
     print_header(*computation);
 
     record_.start_time = local_time_text();
+    record_.clocks_started = read_clocks();
     record_.started = qmp::cpu_now();
     console::print_column_line(12, "Start Time:", record_.start_time, 'Y');
     console::newline();

@@ -34,6 +34,7 @@ class RamSession {
     void print_header(const RamComputation& computation) const;
     void reserve(Memory& memory, const RamComputation& computation);
     void compute_and_write(Memory& memory, const RamComputation& computation);
+    void check_digits();
 
     const RamSettings& settings_;
     qmp::Progress* observer_;

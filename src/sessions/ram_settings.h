@@ -63,6 +63,9 @@ class RamSettings {
     // the constant.
     std::unique_ptr<RamComputation> make_computation() const { return constant_->make_ram_computation(tasks_); }
 
+    // Shown when the digits have passed the spot check; empty for nothing.
+    std::string success_text;
+
     // Throws when a computation could not end well: the output folder is missing or cannot be written.
     void check() const;
     // True when check() has nothing to say and this build can compute the constant.

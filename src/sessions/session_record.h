@@ -9,6 +9,8 @@
 #include "platform/timers.h"
 #include "radix/output_driver.h"
 #include "sessions/event_log.h"
+#include "sessions/spot_check.h"
+#include "sessions/timer_check.h"
 
 namespace kelvara {
 
@@ -25,6 +27,8 @@ struct SessionRecord {
     qmp::CpuTimePoint computing;  // "Begin Computation"
     qmp::CpuTimePoint computed;   // the constant's value is there
     qmp::CpuTimePoint ended;      // the digits are written and verified
+    ClockReading clocks_started;  // every clock, together with `started`
+    ClockReading clocks_ended;
 
     std::uint64_t working_memory = 0;       // bytes reserved
     std::uint64_t working_memory_peak = 0;  // bytes of it that the run came to use
@@ -37,6 +41,7 @@ struct SessionRecord {
     qmp::DigitOutput decimal;
     qmp::DigitOutput hexadecimal;  // digits = 0 when disabled
     std::vector<WrittenFile> files;
+    SpotCheckResult spot_check;  // of the decimal digits
     SystemInformation system;
     EventLog log;
 

@@ -1,6 +1,5 @@
 #include "shell/custom_action.h"
 
-#include <map>
 #include <string>
 
 #include "config/command_line.h"
@@ -11,18 +10,13 @@
 #include "platform/startup_state.h"
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
+#include "shell/entry_points.h"
+#include "shell/option_table.h"
 
 namespace kelvara {
 namespace {
 
 namespace console = qmp::console;
-
-using OptionHandler = void (*)(RamSettings& settings, CommandLine& command_line);
-
-// The value part of the current argument, which is consumed.
-std::string take_value(CommandLine& command_line) {
-    return command_line.take_pair().second;
-}
 
 std::uint64_t take_count(CommandLine& command_line) {
     return console::parse_int_with_suffix(take_value(command_line));
@@ -53,8 +47,8 @@ void choose_output_path(RamSettings& settings, CommandLine& command_line) {
 }
 
 // A table of the options and what each does to the settings.
-const std::map<std::string, OptionHandler>& option_table() {
-    static const std::map<std::string, OptionHandler> table = {
+const OptionTable<RamSettings>& option_table() {
+    static const OptionTable<RamSettings> table = {
         {"-algorithm", [](RamSettings& s, CommandLine& c) { s.set_algorithm(take_value(c)); }},
         {"-dec", [](RamSettings& s, CommandLine& c) { s.set_decimal_digits(take_count(c)); }},
         {"-hex", [](RamSettings& s, CommandLine& c) { s.set_hexadecimal_digits(take_count(c)); }},
@@ -84,21 +78,11 @@ void choose_constant(RamSettings& settings, CommandLine& command_line) {
 
 void run_custom_action(CommandLine& command_line) {
     command_line.take_argument();
-    if (!command_line.has_more()) {
-        throw qmp::InvalidParametersException(
-            "",
-            "The custom-compute menu is not available in this build yet.\nName a constant, for example:\n"
-            "    kelvara custom pi -dec:50000 -o FOLDER");
-    }
+    if (!command_line.has_more()) return run_custom_compute_menu();
     RamSettings settings;
     settings.set_default_folder(program_directory());
     choose_constant(settings, command_line);
-    while (command_line.has_more()) {
-        const std::string& key = command_line.current_key();
-        const auto option = option_table().find(key);
-        if (option == option_table().end()) console::fatal_error("Invalid Parameter: " + key);
-        option->second(settings, command_line);
-    }
+    parse_options(option_table(), settings, command_line);
 
     console::newline();
     settings.check();

@@ -5,7 +5,8 @@ namespace kelvara {
 
 class CommandLine;
 
-// Consumes the action keyword, the constant and the options, and runs the computation.
+// Consumes the action keyword, the constant and the options, and runs the computation; without a constant,
+// the custom-compute menu.
 // Options are written key:value in one argument; only "-o" takes the argument that follows it.
 void run_custom_action(CommandLine& command_line);
 

@@ -5,27 +5,36 @@
 
 #include "config/command_line.h"
 #include "console/console.h"
-#include "errors/exception.h"
+#include "shell/about_screen.h"
+#include "shell/bench_action.h"
 #include "shell/custom_action.h"
+#include "shell/entry_points.h"
+#include "shell/main_menu.h"
 
 namespace kelvara {
 namespace {
 
 using ActionHandler = void (*)(CommandLine& command_line);
 
-void answer_not_available(CommandLine& command_line) {
-    throw qmp::InvalidParametersException(
-        "", "The action \"" + command_line.current_key() + "\" is not available in this build yet.");
+// An action that takes no options; further arguments are left alone.
+template <void (*run)()>
+void run_simple_action(CommandLine& command_line) {
+    command_line.take_argument();
+    run();
 }
 
-// A table of the actions and what runs each.
+// A table of the actions and what runs each. Every handler consumes its own keyword.
 const std::map<std::string, ActionHandler>& action_table() {
     static const std::map<std::string, ActionHandler> table = {
-        {"bench", answer_not_available},   {"stress", answer_not_available},
-        {"benchio", answer_not_available}, {"custom", run_custom_action},
-        {"bbp", answer_not_available},     {"ordalis", answer_not_available},
-        {"about", answer_not_available},   {"validate", answer_not_available},
-        {"config", answer_not_available},
+        {"bench", run_bench_action},
+        {"stress", run_stress_test_action},
+        {"benchio", run_io_benchmark_action},
+        {"custom", run_custom_action},
+        {"bbp", run_simple_action<run_bbp_extractor>},
+        {"ordalis", run_simple_action<run_ordalis>},
+        {"about", run_simple_action<show_about_screen>},
+        {"validate", run_simple_action<run_benchmark_validator>},
+        {"config", run_configuration_file},
     };
     return table;
 }
@@ -34,12 +43,7 @@ const std::map<std::string, ActionHandler>& action_table() {
 
 void dispatch(CommandLine& command_line, IntegrityCheck& integrity_check) {
     integrity_check();
-    if (!command_line.has_more()) {
-        throw qmp::InvalidParametersException(
-            "",
-            "The main menu is not available in this build yet.\nName an action, for example:\n"
-            "    kelvara custom pi -dec:50000 -o FOLDER");
-    }
+    if (!command_line.has_more()) return run_main_menu();
     const std::string& key = command_line.current_key();
     const auto action = action_table().find(key);
     if (action == action_table().end()) qmp::console::fatal_error("Invalid Parameter: " + key);

@@ -22,6 +22,7 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     check_processor_groups();
     IntegrityCheck integrity_check(startup_state().program_path);
     describe_program(integrity_check.digest(), to_text(integrity_check.outcome()));
+    startup_state().program_digest = integrity_check.digest();
     // They are made, and printed, before any worker thread asks for them.
     qmp::core_table();
     qmp::numa_table();

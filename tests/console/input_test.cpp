@@ -112,6 +112,47 @@ TEST(Input, TheDigitCountScreen) {
               "\nDecimal Digits: ");
 }
 
+TEST(Input, TheDigitCountScreenAsksAgainForWhatIsOutOfRange) {
+    const auto ask = [] { return ask_digit_count("Digits: ", 100, 1'000'000'000); };
+    std::string printed;
+    EXPECT_EQ(answer_to("\nletters\n-250m\n99\n1,000,000,001\n10b\n99999999999999999999E\n1 G \n250 m\n", ask,
+                        &printed),
+              250'000'000u);
+    EXPECT_EQ(times(printed, "Digits: "), 9u);
+    EXPECT_EQ(times(printed, "Suffixes:"), 1u);
+}
+
+TEST(Input, TheDigitCountScreenTakesBothKindsOfSuffixes) {
+    const auto ask = [] { return ask_digit_count("Digits: ", 0, ~std::uint64_t{0}); };
+    EXPECT_EQ(answer_to("25m\n", ask), 25'000'000u);
+    EXPECT_EQ(answer_to("25M\n", ask), 26'214'400u);
+    EXPECT_EQ(answer_to("10B\n", ask), 10u);
+    EXPECT_EQ(answer_to("\n", ask), 0u);
+    EXPECT_EQ(answer_to("15E\n", ask), std::uint64_t{15} << 60);
+}
+
+TEST(Input, BytesOfEveryForm) {
+    const std::pair<const char*, std::uint64_t> answers[] = {
+        {"\n", 0},
+        {"letters\n", 0},
+        {"-5G\n", 0},
+        {"12345\n", 12345},
+        {"12.9\n", 12},
+        {"768MB\n", std::uint64_t{768} << 20},
+        {"2.5 gb\n", std::uint64_t{5} << 29},
+        {".5k\n", 512},
+        {"1.0001K\n", 1025},
+        {"15E\n", std::uint64_t{15} << 60},
+        {"16E\n", ~std::uint64_t{0}},
+        {"99999999999999999999999\n", ~std::uint64_t{0}},
+        {"1B\n", 1},
+        {"1.9B\n", 1},
+    };
+    for (const auto& [typed, bytes] : answers) {
+        EXPECT_EQ(answer_to(typed, [] { return read_bytes('T'); }), bytes) << typed;
+    }
+}
+
 TEST(Input, TheMemoryCapScreen) {
     std::string printed;
     EXPECT_EQ(answer_to("768MB\n", ask_memory_cap, &printed), std::uint64_t{768} << 20);
@@ -120,6 +161,12 @@ TEST(Input, TheMemoryCapScreen) {
               "Enter a memory limit: (e.g. 768MB, 2.5GB, etc...)\n"
               "Bytes: ");
     EXPECT_EQ(answer_to("99999E\n", ask_memory_cap), largest_memory_cap);
+    EXPECT_EQ(answer_to("8070450532247928825\n", ask_memory_cap), 0x6ffffffffffffff9u);
+    EXPECT_EQ(answer_to("8070450532247928826\n", ask_memory_cap), 0x6ffffffffffffff9u);
+    EXPECT_EQ(answer_to("8070450532247928824\n", ask_memory_cap), 0x6ffffffffffffff8u);
+    // Whether no memory at all makes sense is for the caller to say.
+    EXPECT_EQ(answer_to("\n", ask_memory_cap), 0u);
+    EXPECT_EQ(answer_to("-1G\n", ask_memory_cap), 0u);
 }
 
 }  // namespace

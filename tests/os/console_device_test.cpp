@@ -16,12 +16,13 @@ TEST(ConsoleDevice, AFileIsNoConsole) {
     CapturedOutput output;
     const FedInput input("");
     const bool output_console = output_is_console(), input_console = input_is_console(),
-               fresh = console_is_fresh();
+               rewritten = console_rewrites_lines(), fresh = console_is_fresh();
     const WindowSize window = window_size(), largest = largest_window_size();
     const bool resized = set_window_rectangle(79, 24);
     EXPECT_EQ(output.finish(), "");
     EXPECT_FALSE(output_console);
     EXPECT_FALSE(input_console);
+    EXPECT_FALSE(rewritten);
     EXPECT_FALSE(fresh);
     EXPECT_EQ(window.columns, 0);
     EXPECT_EQ(window.rows, 0);

@@ -27,6 +27,7 @@ TEST(Process, KnowsItsArgumentsAndItsPath) {
 
 TEST(Process, NamesItsSystem) {
     EXPECT_TRUE(system_name() == "Windows" || system_name() == "Linux");
+    EXPECT_EQ(system_interface_name(), system_name() == "Windows" ? "WinAPI" : "Linux API");
 }
 
 TEST(Process, GivesTheSystemsTextForAnErrorCode) {

@@ -26,6 +26,7 @@ TEST(BuildIdentity, TheShippedOne) {
     const BuildIdentity& identity = identity_of("11-BD1 ~ Vessa");
     EXPECT_EQ(identity.version, "0.7.3");
     EXPECT_EQ(identity.build, "9474");
+    EXPECT_EQ(identity.tuning, "Bulldozer (x64 XOP)");
     EXPECT_EQ(required_feature_list(identity),
               "x64, SSE, SSE2, SSE3, SSSE3, SSE4.1, SSE4.2, AVX, ABM, FMA4, XOP");
 }

@@ -148,11 +148,7 @@ class Refusing(ProgramTest):
 
     def test_what_is_not_there_yet_says_so(self):
         self.assert_refused("Swap Mode is not available in this build yet.", "custom", "pi", "-mode:swap")
-        for action in ("bench", "stress", "benchio", "bbp", "ordalis", "about", "validate", "config"):
-            self.assert_refused(f'The action "{action}" is not available in this build yet.', action)
-        self.assert_refused('The action "bench" is not available in this build yet.', "bench:1")
         self.assert_refused("is not available in this build yet.", "custom", "zeta3", "-dec:100", "-o", self.folder)
-        self.assert_refused("The main menu is not available in this build yet.")
 
     def test_more_than_the_memory_holds(self):
         for text in ("Large heap allocation failed.", "Failed Allocation: "):

@@ -11,6 +11,10 @@ import unittest
 
 PROGRAM = os.environ["KELVARA_PROGRAM"].split()
 
+# Computations leave a validation file where they are started.
+_started_from = tempfile.TemporaryDirectory(prefix="kelvara-program-")
+os.chdir(_started_from.name)
+
 
 class ProgramTest(unittest.TestCase):
     """A test with a folder of its own for digit files."""

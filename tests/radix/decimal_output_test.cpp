@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "errors/exception.h"
+#include "errors/recovered_errors.h"
 #include "numbers/check_value.h"
 #include "radix/digit_codecs.h"
 #include "radix/hash.h"
@@ -56,7 +57,9 @@ TEST(DecimalOutput, RepeatingFractions) {
     for (const std::uint64_t digits : {1u, 18u, 19u, 20u, 37u, 38u, 39u, 57u, 100u, 101u, 1000u, 12345u}) {
         for (const auto& [p, q] : {std::pair<Word, Word>{1, 7}, {22, 7}, {1000003, 999983}, {2, 3}}) {
             const Number x = quotient(p, q, digits / 19 + 20);
+            const std::uint64_t recovered = recovered_errors();
             const Output output = decimal(x.view(), digits);
+            EXPECT_EQ(recovered_errors(), recovered);
             EXPECT_EQ(output.text, quotient_text(p, q, digits));
             expect_consistent(output, digits, 10);
             EXPECT_TRUE(output.messages.empty());
@@ -194,9 +197,11 @@ TEST(DecimalOutput, AFailedConversionIsRepeated) {
         }
         std::uint64_t attempts = 0;
     } hooks;
+    const std::uint64_t recovered = recovered_errors();
     Session session = Session::decimal(one_task, 1000);
     const Output output = session.write_decimal(quotient(22, 7, 70).view(), 1000, hooks);
     EXPECT_EQ(hooks.attempts, 3u);
+    EXPECT_EQ(recovered_errors(), recovered + 2);
     EXPECT_EQ(output.text, quotient_text(22, 7, 1000));
     EXPECT_EQ(output.messages, std::vector<std::string>(2, "Radix Conversion Failed - Reattempting..."));
 }
@@ -207,8 +212,10 @@ TEST(DecimalOutput, AFailedVerificationIsRepeated) {
             if (attempt == 0) hash ^= 1;
         }
     } hooks;
+    const std::uint64_t recovered = recovered_errors();
     Session session = Session::decimal(one_task, 1000);
     const Output output = session.write_decimal(quotient(22, 7, 70).view(), 1000, hooks);
+    EXPECT_EQ(recovered_errors(), recovered + 1);
     expect_consistent(output, 1000, 10);
     EXPECT_EQ(output.messages, std::vector<std::string>{"Verification Failed - Reattempting..."});
 }
@@ -219,8 +226,10 @@ TEST(DecimalOutput, AWrongPowerIsSeenAndFormedAgain) {
             if (attempt == 0) ++power.words[power.length / 2];
         }
     } hooks;
+    const std::uint64_t recovered = recovered_errors();
     Session session = Session::decimal(one_task, 1000);
     const Output output = session.write_decimal(quotient(22, 7, 70).view(), 1000, hooks);
+    EXPECT_EQ(recovered_errors(), recovered + 1);
     expect_consistent(output, 1000, 10);
     ASSERT_EQ(output.messages.size(), 4u);
     EXPECT_EQ(output.messages[0], "Radix Conversion: Power Hash Mismatch");

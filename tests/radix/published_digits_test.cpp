@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "multiply/algorithm_table.h"
-#include "platform/sha256.h"
+#include "platform/sha2.h"
 #include "radix/output_fixture.h"
 #include "support/reference_digits.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/sha256.h"
+#include "platform/sha2.h"
 #include "sessions/session_run.h"
 #include "support/reference_digits.h"
 

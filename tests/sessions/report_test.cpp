@@ -7,6 +7,7 @@
 #include <string>
 
 #include "sessions/event_log.h"
+#include "sessions/utilization.h"
 #include "support/folder.h"
 
 namespace kelvara {
@@ -54,11 +55,27 @@ TEST(Utilization, PrintsBothLines) {
               "CPU Utilization:        Too Fast to Measure\nMulti-core Efficiency:  Too Fast to Measure\n");
 }
 
+TEST(Utilization, AsTextIsWhatTheScreenShows) {
+    const Utilization utilization{true, 187.654, 3.2, 2};
+    EXPECT_EQ(utilization_text(utilization), "  187.65 %  +    3.20 % kernel overhead");
+    EXPECT_EQ(efficiency_text(utilization), "   93.83 %  +    1.60 % kernel overhead");
+    EXPECT_EQ(utilization_text({true, 50.0, -1.0, 1}), "   50.00 %");
+    EXPECT_EQ(utilization_text({}), "Too Fast to Measure");
+    EXPECT_EQ(efficiency_text({}), "Too Fast to Measure");
+}
+
 TEST(LastDigits, StandInLinesOfFiftyWithPositions) {
     EXPECT_EQ(captured([] { print_last_digits(std::string(50, '1') + std::string(50, '2'), 1234567); }),
               "Last Digits:  \n"
               "1111111111 1111111111 1111111111 1111111111 1111111111  :  1,234,517\n"
               "2222222222 2222222222 2222222222 2222222222 2222222222  :  1,234,567\n");
+}
+
+TEST(LastDigits, OfShortResultsFillNoLine) {
+    EXPECT_EQ(captured([] { print_last_digits("123456789012", 12); }),
+              "Last Digits:  \n"
+              "1234567890 12  :  12\n");
+    EXPECT_EQ(captured([] { print_last_digits("", 0); }), "Last Digits:  \n");
 }
 
 TEST(EventLog, WritesOneLineAnEvent) {

@@ -15,6 +15,7 @@
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
 #include "support/folder.h"
+#include "support/working_folder.h"
 
 namespace kelvara_test {
 
@@ -68,6 +69,8 @@ inline std::string file_content(const std::string& path) {
 inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std::uint64_t tasks,
                            std::string_view framework, qmp::Progress* observer = nullptr) {
     TemporaryFolder folder;
+    // The validation file goes where the program is started.
+    const WorkingFolder work(folder.path());
     kelvara::RamSettings settings;
     settings.set_constant(kelvara::make_constant(kelvara::constant_id(algorithm.constant)));
     settings.set_algorithm(algorithm.keyword);

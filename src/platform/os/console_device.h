@@ -16,6 +16,10 @@ namespace qmp::os {
 bool output_is_console();
 bool input_is_console();
 
+// True when standard output is a console on which what was written can be written over. A terminal that
+// calls itself "dumb" only ever appends.
+bool console_rewrites_lines();
+
 // True when the console window was opened for this process: the cursor still stands at column 0, row 0.
 // False when that cannot be found out.
 bool console_is_fresh();
@@ -23,6 +27,10 @@ bool console_is_fresh();
 // The low four bits are the foreground (1 blue, 2 green, 4 red, 8 bright), the next four the background;
 // 7 is what the console shows by default.
 void set_text_attribute(int attribute);
+
+// From now on a process that is interrupted (Ctrl-C) or asked to end leaves its console as it found it: in
+// the default colour, and with lines and echo switched on. It ends as it would have ended otherwise.
+void restore_console_when_interrupted();
 
 // Writes to a console. The text does not split a surrogate pair.
 void write_console(std::u16string_view text);

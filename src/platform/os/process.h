@@ -19,6 +19,8 @@ void prepare_process();
 
 // "Windows" or "Linux".
 std::string_view system_name();
+// What the implementations of this seam are built on: "WinAPI" or "Linux API".
+std::string_view system_interface_name();
 
 // The arguments as UTF-8, the program itself included. Usable before main.
 std::vector<std::string> arguments();

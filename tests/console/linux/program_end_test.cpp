@@ -36,6 +36,10 @@ TEST(InputDeathTest, TheEndOfInputEndsTheProgram) {
         [] { read_int_in_range("option: ", 1, 9); },
         [] { read_digit_count_in_range("digits: ", 100, 200); },
         [] { ask_memory_cap(); },
+        [] { ask_digit_count("Digits: ", 100, 200); },
+        [] { read_labelled_line("Path", 'T'); },
+        [] { read_int('T'); },
+        [] { read_bytes('T'); },
     };
     for (const auto read : readers) {
         const FedInput input("");

@@ -15,6 +15,7 @@
 #include "console/progress.h"
 #include "errors/exception.h"
 #include "platform/features_screen.h"
+#include "platform/os/console_device.h"
 #include "platform/startup_state.h"
 #include "platform/system_information.h"
 #include "shell/driver/faults.h"
@@ -155,5 +156,6 @@ void dispatch_test_actions(CommandLine& command_line, IntegrityCheck& integrity_
 }  // namespace kelvara
 
 int main() {
+    qmp::os::restore_console_when_interrupted();
     return kelvara::run_program(kelvara::dispatch_test_actions);
 }

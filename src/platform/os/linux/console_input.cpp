@@ -6,9 +6,14 @@
 #include <csignal>
 
 #include "platform/os/console_device.h"
+#include "platform/os/linux/console_state.h"
 #include "platform/os/unicode.h"
 
 namespace qmp::os {
+
+volatile std::sig_atomic_t terminal_is_uncooked = 0;
+termios cooked_terminal{};
+
 namespace {
 
 // Bytes that were read and not yet handed out: the rest of a line, or what was typed while the terminal
@@ -33,31 +38,33 @@ bool fill_pending() {
     }
 }
 
-// A terminal whose lines are switched off for a moment: keys arrive one by one and are not echoed.
+// A terminal whose lines are switched off for a moment: keys arrive one by one and are not echoed. One at a
+// time, on the main thread.
 class UncookedTerminal {
   public:
     UncookedTerminal() {
-        active_ = tcgetattr(STDIN_FILENO, &saved_) == 0;
+        active_ = tcgetattr(STDIN_FILENO, &cooked_terminal) == 0;
         if (!active_) return;
-        termios uncooked = saved_;
+        termios uncooked = cooked_terminal;
         // Without ISIG an interrupt key arrives as a byte, so that the terminal can be restored first.
         uncooked.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         uncooked.c_cc[VMIN] = 1;
         uncooked.c_cc[VTIME] = 0;
+        terminal_is_uncooked = 1;
         active_ = tcsetattr(STDIN_FILENO, TCSANOW, &uncooked) == 0;
     }
     ~UncookedTerminal() {
-        if (active_) tcsetattr(STDIN_FILENO, TCSANOW, &saved_);
+        if (active_) tcsetattr(STDIN_FILENO, TCSANOW, &cooked_terminal);
+        terminal_is_uncooked = 0;
     }
     UncookedTerminal(const UncookedTerminal&) = delete;
     UncookedTerminal& operator=(const UncookedTerminal&) = delete;
 
     bool active() const { return active_; }
-    cc_t interrupt_key() const { return saved_.c_cc[VINTR]; }
-    cc_t end_key() const { return saved_.c_cc[VEOF]; }
+    cc_t interrupt_key() const { return cooked_terminal.c_cc[VINTR]; }
+    cc_t end_key() const { return cooked_terminal.c_cc[VEOF]; }
 
   private:
-    termios saved_{};
     bool active_ = false;
 };
 
@@ -87,7 +94,7 @@ bool input_is_console() {
 }
 
 bool console_is_fresh() {
-    if (!input_is_console() || !terminal_is_our_own()) return false;
+    if (!input_is_console() || !terminal_is_our_own() || is_dumb_terminal()) return false;
     const UncookedTerminal uncooked;
     if (!uncooked.active()) return false;
     write_bytes("\x1b[6n");

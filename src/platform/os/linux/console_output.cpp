@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "platform/os/console_device.h"
+#include "platform/os/linux/console_state.h"
 #include "platform/os/unicode.h"
 
 namespace qmp::os {
@@ -14,11 +15,6 @@ namespace {
 
 // The order of the eight colours is blue-green-red here and red-green-blue in terminal sequences.
 constexpr int terminal_colour[8] = {0, 4, 2, 6, 1, 5, 3, 7};
-
-bool is_dumb_terminal() {
-    const char* terminal = std::getenv("TERM");
-    return terminal != nullptr && std::strcmp(terminal, "dumb") == 0;
-}
 
 char* append_number(char* end, int value) {
     if (value >= 10) end = append_number(end, value / 10);
@@ -28,8 +24,19 @@ char* append_number(char* end, int value) {
 
 }  // namespace
 
+volatile std::sig_atomic_t console_is_coloured = 0;
+
+bool is_dumb_terminal() {
+    const char* terminal = std::getenv("TERM");
+    return terminal != nullptr && std::strcmp(terminal, "dumb") == 0;
+}
+
 bool output_is_console() {
     return isatty(STDOUT_FILENO) == 1;
+}
+
+bool console_rewrites_lines() {
+    return output_is_console() && !is_dumb_terminal();
 }
 
 void write_bytes(std::string_view bytes) {
@@ -78,7 +85,10 @@ void set_text_attribute(int attribute) {
         end = append_number(end, (background >= 8 ? 100 : 40) + terminal_colour[background & 7]);
     }
     *end++ = 'm';
+    // Noted before a colour appears and after it has gone, so that an interrupt in between is no loss.
+    if (attribute != 7) console_is_coloured = 1;
     write_bytes({sequence, static_cast<std::size_t>(end - sequence)});
+    if (attribute == 7) console_is_coloured = 0;
 }
 
 WindowSize window_size() {

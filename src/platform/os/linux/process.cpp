@@ -46,6 +46,8 @@ void prepare_process() {
 
 std::string_view system_name() { return "Linux"; }
 
+std::string_view system_interface_name() { return "Linux API"; }
+
 std::vector<std::string> arguments() {
     const std::string joined = read_process_file("/proc/self/cmdline");
     std::vector<std::string> result;

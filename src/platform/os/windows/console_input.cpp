@@ -39,7 +39,15 @@ std::optional<std::u16string> read_console() {
     constexpr char16_t end_of_input = 26;  // Ctrl+Z
     char16_t units[largest_read];
     DWORD count = 0;
-    if (!ReadConsoleW(input(), units, largest_read, &count, nullptr) || count == 0) return std::nullopt;
+    for (;;) {
+        SetLastError(ERROR_SUCCESS);
+        if (!ReadConsoleW(input(), units, largest_read, &count, nullptr)) return std::nullopt;
+        if (count > 0) break;
+        // Ctrl+C empties the line while another thread is about to end the process: that is no end of
+        // input. Where the process was told to ignore it, the line begins anew.
+        if (GetLastError() != ERROR_OPERATION_ABORTED) return std::nullopt;
+        Sleep(100);
+    }
     if (units[0] == end_of_input) return std::nullopt;
     return std::u16string(units, count);
 }

@@ -1,12 +1,25 @@
 #include <windows.h>
 
+#include <atomic>
+
 #include "platform/os/console_device.h"
 
 namespace qmp::os {
 namespace {
 
+constexpr int default_attribute = 7;
+
+// Whether the console shows another colour than its default.
+std::atomic<bool> coloured{false};
+
 HANDLE output() {
     return GetStdHandle(STD_OUTPUT_HANDLE);
+}
+
+// Runs on a thread that the system starts. What it returns leaves the end of the process to the system.
+BOOL WINAPI restore_colour(DWORD) {
+    if (coloured) SetConsoleTextAttribute(output(), default_attribute);
+    return FALSE;
 }
 
 }  // namespace
@@ -16,6 +29,10 @@ bool output_is_console() {
     return GetConsoleMode(output(), &mode) != 0;
 }
 
+bool console_rewrites_lines() {
+    return output_is_console();
+}
+
 bool console_is_fresh() {
     CONSOLE_SCREEN_BUFFER_INFO info;
     return GetConsoleScreenBufferInfo(output(), &info) != 0 && info.dwCursorPosition.X == 0 &&
@@ -23,7 +40,13 @@ bool console_is_fresh() {
 }
 
 void set_text_attribute(int attribute) {
+    if (attribute != default_attribute) coloured = true;
     SetConsoleTextAttribute(output(), static_cast<WORD>(attribute));
+    if (attribute == default_attribute) coloured = false;
+}
+
+void restore_console_when_interrupted() {
+    SetConsoleCtrlHandler(restore_colour, TRUE);
 }
 
 void write_console(std::u16string_view text) {

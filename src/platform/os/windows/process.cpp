@@ -23,6 +23,8 @@ void prepare_process() {}
 
 std::string_view system_name() { return "Windows"; }
 
+std::string_view system_interface_name() { return "WinAPI"; }
+
 std::vector<std::string> arguments() {
     std::vector<std::string> result;
     int count = 0;

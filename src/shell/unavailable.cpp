@@ -1,0 +1,50 @@
+// The entry points that this build does not have yet. Whoever writes one takes it out of here.
+#include <string>
+
+#include "errors/exception.h"
+#include "shell/entry_points.h"
+
+namespace kelvara {
+namespace {
+
+[[noreturn]] void not_available(const std::string& what) {
+    throw qmp::InvalidParametersException("", what + " is not available in this build yet.");
+}
+
+}  // namespace
+
+void run_custom_compute_menu() {
+    not_available("The custom-compute menu");
+}
+
+void run_stress_test_menu() {
+    not_available("The component stress tester");
+}
+void run_stress_test_action(CommandLine&) {
+    run_stress_test_menu();
+}
+void run_io_analysis_menu() {
+    not_available("The I/O performance analysis");
+}
+void run_io_benchmark_action(CommandLine&) {
+    run_io_analysis_menu();
+}
+
+void run_bbp_extractor() {
+    not_available("The BBP digit extractor");
+}
+void run_ordalis() {
+    not_available("Ordalis");
+}
+void run_log_formula_generator() {
+    not_available("The log formula generator");
+}
+void run_swap_multiply_test() {
+    not_available("The swap multiplication test");
+}
+
+void run_configuration_file(CommandLine&) {
+    not_available("The \"config\" action");
+}
+
+}  // namespace kelvara

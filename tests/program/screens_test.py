@@ -1,0 +1,196 @@
+"""Menus and information screens of the real program: every screen to the letter, every way through them."""
+
+import re
+import unittest
+
+import expected_screens
+from kelvara_program import ProgramTest
+from terminal_session import Session
+
+BAD_ANSWERS = ("letters", "-1", "-99999999999999999999999", "8", "99999999999999999999999999", "+3", " 9",
+               "0x", "\u20ac", "9" * 300)
+
+
+class MainMenu(unittest.TestCase):
+    def test_to_the_letter(self):
+        with Session() as session:
+            session.wait_for("option: ")
+            session.type("7\n")
+            self.assertEqual(session.end(), 0)
+            screen = session.coloured()
+            # What is typed is echoed in teal, and white returns behind it.
+            self.assertIn("\n" + expected_screens.MAIN_MENU + "7\n<white>\n" + expected_screens.ABOUT, screen)
+
+    def test_asks_again_until_the_answer_is_in_range(self):
+        bad = [answer for answer in BAD_ANSWERS if re.match("-|[89]", answer)]
+        with Session() as session:
+            for answer in bad:
+                session.answer("option: ", answer)
+            session.answer("option: ", "7")
+            self.assertEqual(session.end(), 0)
+            self.assertEqual(session.text().count("option: "), len(bad) + 1)
+            # The menu is not shown again, only its prompt.
+            self.assertEqual(session.text().count("Enter your choice:"), 1)
+            self.assertIn("Kelvara - Euler's Constant to the eXtReMe", session.text())
+
+    def test_answers_without_digits_are_zero(self):
+        for answer in ("", "letters", "-", "\u20ac", " 9", "+3", "0x"):
+            with Session() as session:
+                session.answer("option: ", answer)
+                session.wait_for("\nBenchmark Pi:\n")
+                session.wait_for("option: ")
+                session.type(b"\x04")
+                self.assertEqual(session.end(), 1)
+
+    def test_only_the_leading_digits_count(self):
+        with Session() as session:
+            session.answer("option: ", "7 of 9")
+            self.assertEqual(session.end(), 0)
+            self.assertIn("\nDisclaimer:\n", session.text())
+
+    def test_every_entry(self):
+        answers = {
+            "1": "The component stress tester is not available in this build yet.",
+            "2": "The I/O performance analysis is not available in this build yet.",
+            "3": "The custom-compute menu is not available in this build yet.",
+            "4": "The BBP digit extractor is not available in this build yet.",
+            "5": "Ordalis is not available in this build yet.",
+            "6": "Advanced Options\n\n  0         Benchmark Validator\n",
+            "7": "\nKelvara - Euler's Constant to the eXtReMe\n",
+        }
+        for choice, text in answers.items():
+            with Session() as session:
+                session.answer("option: ", choice)
+                if choice == "6":
+                    session.answer("option: ", "1")
+                self.assertEqual(session.end(), 0)
+                self.assertIn(text, session.text())
+
+    def test_the_end_of_input_ends_the_program(self):
+        with Session() as session:
+            session.wait_for("option: ")
+            session.type(b"\x04")
+            self.assertEqual(session.end(), 1)
+            self.assertTrue(session.coloured().endswith(
+                "<R>There is no more input: the program ends here.\n<white>"), session.coloured())
+
+    def test_without_colours_the_text_is_the_same(self):
+        plain = re.sub("<[A-Za-z]+>", "", expected_screens.MAIN_MENU)
+        with Session("colors:0") as session:
+            session.answer("option: ", "7")
+            self.assertEqual(session.end(), 0)
+            self.assertNotIn(b"\x1b", session.seen)
+            self.assertIn(plain, session.text())
+
+    def test_in_a_narrow_window(self):
+        with Session(columns=20, rows=5) as session:
+            session.answer("option: ", "7")
+            self.assertEqual(session.end(), 0)
+            self.assertIn("\nDisclaimer:\n", session.text())
+
+
+class AdvancedOptions(unittest.TestCase):
+    def open(self, session, answer):
+        session.answer("option: ", "6")
+        session.answer("option: ", answer)
+
+    def test_to_the_letter(self):
+        with Session() as session:
+            self.open(session, "4")
+            self.assertEqual(session.end(), 0)
+            self.assertIn("6\n<white>\n" + expected_screens.ADVANCED_OPTIONS + "4\n<white>\n", session.coloured())
+
+    def test_every_entry(self):
+        answers = {
+            "1": "The log formula generator is not available in this build yet.",
+            "2": "  * x64         = Yes\n",
+            "4": "The swap multiplication test is not available in this build yet.",
+        }
+        for choice, text in answers.items():
+            with Session() as session:
+                self.open(session, choice)
+                self.assertEqual(session.end(), 0)
+                self.assertIn(text, session.text())
+
+    def test_the_validator_asks_for_a_file(self):
+        with Session() as session:
+            self.open(session, "0")
+            session.answer("\nBenchmark Validator\n\nEnter Path of Validation File:\n", "no such file")
+            self.assertEqual(session.end(), 0)
+            self.assertIn("\nUnable to open validation file: no such file.txt\n", session.text())
+
+    def test_the_range_is_0_to_4(self):
+        with Session() as session:
+            self.open(session, "5")
+            session.answer("option: ", "-1")
+            session.answer("option: ", "99999999999999999999")
+            session.answer("option: ", "1")
+            self.assertEqual(session.end(), 0)
+            self.assertEqual(session.text().count("option: "), 5)
+
+    def test_the_end_of_input_ends_the_program(self):
+        with Session() as session:
+            session.answer("option: ", "6")
+            session.wait_for("option: ")
+            session.type(b"\x04")
+            self.assertEqual(session.end(), 1)
+            self.assertEqual(session.text().count("There is no more input: the program ends here."), 1)
+
+
+class CompilationOptions(unittest.TestCase):
+    def run_screen(self):
+        """(coloured text, plain text) of the screen."""
+        with Session() as session:
+            session.answer("option: ", "6")
+            session.answer("option: ", "3")
+            session.wait_for("Press any key to continue . . . ")
+            self.assertNotIn("====", session.text())
+            session.type(" ")
+            self.assertEqual(session.end(), 0)
+            return session.coloured(), session.text()
+
+    def test_to_the_letter(self):
+        coloured, plain = self.run_screen()
+        self.assertIn("3\n<white>\n" + expected_screens.COMPILATION_INTRODUCTION, coloured)
+        self.assertIn(expected_screens.FEATURE_CONTROLS, coloured)
+
+        lines = plain[plain.index("*Includes experimental"):].split("\n")[1:]
+        expected = [""]
+        for heading, content in expected_screens.SECTIONS:
+            expected += ["", "=" * 64, heading, ""] + content
+        self.assertEqual(len(lines[:len(expected)]), len(expected))
+        for line, wanted in zip(lines, expected):
+            if wanted.endswith("*"):
+                self.assertTrue(line.startswith(wanted[:-1]) and len(line) > len(wanted), line)
+            else:
+                self.assertEqual(line, wanted)
+        self.assertEqual([line for line in lines[len(expected):] if line], [])
+
+    def test_names_the_toolchain_and_the_day(self):
+        _, plain = self.run_screen()
+        self.assertRegex(plain, r"\nCompiler                (GCC|Clang)\nVersion                 \d+\.\d+[^\n]*\n"
+                         r"Compile Date            [A-Z][a-z]{2} [ 1-3]\d \d{4}\n")
+
+    def test_colours_of_its_sections(self):
+        coloured, _ = self.run_screen()
+        for text in ("<T>" + "=" * 64 + "\n<Y>Objects Library\n<white>\n", "Verbose Status          <R>Disabled<white>\n",
+                     "InvSqrt Purturb         <G>Enabled<white>\n",
+                     "    Primary Algorithm           <P>None (not in this build yet)<white>\n"):
+            self.assertIn(text, coloured)
+
+
+class AboutAction(ProgramTest):
+    def test_to_the_letter(self):
+        with Session("about") as session:
+            self.assertEqual(session.end(), 0)
+            self.assertIn("\n" + expected_screens.ABOUT, session.coloured())
+
+    def test_further_arguments_are_left_alone(self):
+        code, output = self.run_program("about:1", "-x", "nonsense")
+        self.assertEqual(code, 0)
+        self.assertIn("\nDisclaimer:\n", output)
+        self.assertNotIn("\x1b", output)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)
