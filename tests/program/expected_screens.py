@@ -1,12 +1,17 @@
 """The screens of the program, to the letter. Colours stand before what they colour: <T> is bright teal."""
 
+from terminal_session import ON_WINDOWS
+
+TARGET = "Windows/11-BD1 ~ Vessa" if ON_WINDOWS else "Linux/11-BD1 ~ Vessa"
+INTERFACE = "WinAPI" if ON_WINDOWS else "Linux API"
+
 MAIN_MENU = """\
 <g>Kelvara v0.7.3 Build 9474    ( see README.md )
 <t>Written by: The Kelvara Developers
 
 <white>Distribute Freely - Please report any bugs.
 
-Tuning: <G> Linux/11-BD1 ~ Vessa<white>  -  <P>Bulldozer (x64 XOP)
+Tuning: <G> TARGET<white>  -  <P>Bulldozer (x64 XOP)
 
 <T>  0         Benchmark Pi  (all in ram)
   1         Component Stress Tester
@@ -24,7 +29,7 @@ Tuning: <G> Linux/11-BD1 ~ Vessa<white>  -  <P>Bulldozer (x64 XOP)
 <white>
 
 Enter your choice:
-option: <T>"""
+option: <T>""".replace("TARGET", TARGET)
 
 ABOUT = """
 <G>Kelvara - Euler's Constant to the eXtReMe
@@ -119,11 +124,11 @@ Toggleable Features*:
 # Sections in the order on screen, their lines without colours.
 SECTIONS = [
     ("Public Library", [
-        "Console IO              Linux API",
-        "Time                    Linux API",
-        "File IO                 Linux API",
+        "Console IO              " + INTERFACE,
+        "Time                    " + INTERFACE,
+        "File IO                 " + INTERFACE,
     ]),
-    ("Internal Libraries", ["RaidFile                Linux API"]),
+    ("Internal Libraries", ["RaidFile                " + INTERFACE]),
     ("External Dependencies and Bundled Apps", [
         "Ordalis:",
         "    raw_to_hex          SSE2",
@@ -152,7 +157,7 @@ SECTIONS = [
     ]),
     ("Modules Library", [
         "Build Version           0.7.3.9474",
-        "Target Machine          Linux/11-BD1 ~ Vessa",
+        "Target Machine          " + TARGET,
         "Compiler                *",
         "Version                 *",
         "Compile Date            *",

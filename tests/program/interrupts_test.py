@@ -19,12 +19,12 @@ class Signals(unittest.TestCase):
     def wait_at_prompt(self, session):
         session.wait_for("option: ")
         while not session.coloured().endswith("<T>"):
-            session._read(1)
+            session.read(1)
 
     def test_the_interrupt_key_at_a_prompt(self):
         with Session() as session:
             self.wait_at_prompt(session)
-            session.type(b"\x03")
+            session.type("\x03")
             self.assert_left_as_found(session, signal.SIGINT)
             self.assertNotIn("There is no more input", session.text())
 
@@ -59,7 +59,7 @@ class Signals(unittest.TestCase):
     def test_in_the_middle_of_a_computation(self):
         with Session("custom", "pi", "-dec:200m", "-hex:0", "-o", "/tmp") as session:
             session.wait_for("Summing Series...")
-            session.type(b"\x03")
+            session.type("\x03")
             self.assert_left_as_found(session, signal.SIGINT)
 
     def test_an_ignored_interrupt_stays_ignored(self):
@@ -70,7 +70,7 @@ class Signals(unittest.TestCase):
             signal.signal(signal.SIGINT, before)
         with session:
             self.wait_at_prompt(session)
-            session.type(b"\x03")
+            session.type("\x03")
             session.answer("", "7")
             self.assertEqual(session.end(), 0)
             self.assertIn("\nDisclaimer:\n", session.text())

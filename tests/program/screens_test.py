@@ -5,10 +5,12 @@ import unittest
 
 import expected_screens
 from kelvara_program import ProgramTest
-from terminal_session import Session
+from terminal_session import ON_WINDOWS, Session, without_marks
 
+# A console that folds a line draws its beginning once more.
+LONG_ANSWER = "9" * (80 if ON_WINDOWS else 300)
 BAD_ANSWERS = ("letters", "-1", "-99999999999999999999999", "8", "99999999999999999999999999", "+3", " 9",
-               "0x", "\u20ac", "9" * 300)
+               "0x", "\u20ac", LONG_ANSWER)
 
 
 class MainMenu(unittest.TestCase):
@@ -17,9 +19,9 @@ class MainMenu(unittest.TestCase):
             session.wait_for("option: ")
             session.type("7\n")
             self.assertEqual(session.end(), 0)
-            screen = session.coloured()
             # What is typed is echoed in teal, and white returns behind it.
-            self.assertIn("\n" + expected_screens.MAIN_MENU + "7\n<white>\n" + expected_screens.ABOUT, screen)
+            expected = "\n" + expected_screens.MAIN_MENU + "7\n<white>\n" + expected_screens.ABOUT
+            self.assertTrue(session.shows(expected), session.coloured())
 
     def test_asks_again_until_the_answer_is_in_range(self):
         bad = [answer for answer in BAD_ANSWERS if re.match("-|[89]", answer)]
@@ -69,19 +71,19 @@ class MainMenu(unittest.TestCase):
     def test_the_end_of_input_ends_the_program(self):
         with Session() as session:
             session.wait_for("option: ")
-            session.type(b"\x04")
+            session.type_end_of_input()
             self.assertEqual(session.end(), 1)
-            self.assertTrue(session.coloured().endswith(
-                "<R>There is no more input: the program ends here.\n<white>"), session.coloured())
+            self.assertTrue(session.shows("<R>There is no more input: the program ends here.\n<white>"),
+                            session.coloured())
 
     def test_without_colours_the_text_is_the_same(self):
-        plain = re.sub("<[A-Za-z]+>", "", expected_screens.MAIN_MENU)
         with Session("colors:0") as session:
             session.answer("option: ", "7")
             self.assertEqual(session.end(), 0)
-            self.assertNotIn(b"\x1b", session.seen)
-            self.assertIn(plain, session.text())
+            self.assertEqual(session.coloured(), session.text())
+            self.assertIn(without_marks(expected_screens.MAIN_MENU), session.text())
 
+    @unittest.skipIf(ON_WINDOWS, "a console draws the lines that it folds anew")
     def test_in_a_narrow_window(self):
         with Session(columns=20, rows=5) as session:
             session.answer("option: ", "7")
@@ -98,7 +100,8 @@ class AdvancedOptions(unittest.TestCase):
         with Session() as session:
             self.open(session, "4")
             self.assertEqual(session.end(), 0)
-            self.assertIn("6\n<white>\n" + expected_screens.ADVANCED_OPTIONS + "4\n<white>\n", session.coloured())
+            expected = "6\n<white>\n" + expected_screens.ADVANCED_OPTIONS + "4\n<white>\n"
+            self.assertTrue(session.shows(expected), session.coloured())
 
     def test_every_entry(self):
         answers = {
@@ -132,14 +135,14 @@ class AdvancedOptions(unittest.TestCase):
         with Session() as session:
             session.answer("option: ", "6")
             session.wait_for("option: ")
-            session.type(b"\x04")
+            session.type_end_of_input()
             self.assertEqual(session.end(), 1)
             self.assertEqual(session.text().count("There is no more input: the program ends here."), 1)
 
 
 class CompilationOptions(unittest.TestCase):
     def run_screen(self):
-        """(coloured text, plain text) of the screen."""
+        """The ended session that shows the screen."""
         with Session() as session:
             session.answer("option: ", "6")
             session.answer("option: ", "3")
@@ -147,13 +150,14 @@ class CompilationOptions(unittest.TestCase):
             self.assertNotIn("====", session.text())
             session.type(" ")
             self.assertEqual(session.end(), 0)
-            return session.coloured(), session.text()
+            return session
 
     def test_to_the_letter(self):
-        coloured, plain = self.run_screen()
-        self.assertIn("3\n<white>\n" + expected_screens.COMPILATION_INTRODUCTION, coloured)
-        self.assertIn(expected_screens.FEATURE_CONTROLS, coloured)
+        session = self.run_screen()
+        self.assertTrue(session.shows("3\n<white>\n" + expected_screens.COMPILATION_INTRODUCTION), session.coloured())
+        self.assertTrue(session.shows(expected_screens.FEATURE_CONTROLS), session.coloured())
 
+        plain = session.text()
         lines = plain[plain.index("*Includes experimental"):].split("\n")[1:]
         expected = [""]
         for heading, content in expected_screens.SECTIONS:
@@ -167,23 +171,22 @@ class CompilationOptions(unittest.TestCase):
         self.assertEqual([line for line in lines[len(expected):] if line], [])
 
     def test_names_the_toolchain_and_the_day(self):
-        _, plain = self.run_screen()
-        self.assertRegex(plain, r"\nCompiler                (GCC|Clang)\nVersion                 \d+\.\d+[^\n]*\n"
+        self.assertRegex(self.run_screen().text(), r"\nCompiler                (GCC|Clang)\nVersion                 \d+\.\d+[^\n]*\n"
                          r"Compile Date            [A-Z][a-z]{2} [ 1-3]\d \d{4}\n")
 
     def test_colours_of_its_sections(self):
-        coloured, _ = self.run_screen()
+        session = self.run_screen()
         for text in ("<T>" + "=" * 64 + "\n<Y>Objects Library\n<white>\n", "Verbose Status          <R>Disabled<white>\n",
                      "InvSqrt Purturb         <G>Enabled<white>\n",
-                     "    Primary Algorithm           <P>None (not in this build yet)<white>\n"):
-            self.assertIn(text, coloured)
+                     "Primary Algorithm           <P>None (not in this build yet)<white>\n"):
+            self.assertTrue(session.shows(text), session.coloured())
 
 
 class AboutAction(ProgramTest):
     def test_to_the_letter(self):
         with Session("about") as session:
             self.assertEqual(session.end(), 0)
-            self.assertIn("\n" + expected_screens.ABOUT, session.coloured())
+            self.assertTrue(session.shows("\n" + expected_screens.ABOUT), session.coloured())
 
     def test_further_arguments_are_left_alone(self):
         code, output = self.run_program("about:1", "-x", "nonsense")

@@ -1,4 +1,7 @@
-"""The real program on a pseudo-terminal, driven like a person would: look at the screen, type, look again."""
+"""The real program on a terminal, driven like a person would: look at the screen, type, look again.
+
+A Windows executable runs under Wine, whose console draws on the same kind of terminal.
+"""
 
 import fcntl
 import os
@@ -9,59 +12,99 @@ import signal
 import struct
 import termios
 import time
+import tty
 
-from kelvara_program import PROGRAM, without_colours
+from kelvara_program import PROGRAM
 
-COLOUR_NAMES = {
-    "\x1b[0m": "<white>", "\x1b[0;94m": "<B>", "\x1b[0;92m": "<G>", "\x1b[0;96m": "<T>", "\x1b[0;91m": "<R>",
-    "\x1b[0;95m": "<P>", "\x1b[0;93m": "<Y>", "\x1b[0;34m": "<b>", "\x1b[0;32m": "<g>", "\x1b[0;36m": "<t>",
-    "\x1b[0;31m": "<r>", "\x1b[0;35m": "<p>", "\x1b[0;33m": "<y>",
+ON_WINDOWS = PROGRAM[-1].endswith(".exe")
+
+# The parameters of colour sequences, with what is shown for them here.
+COLOURS = {
+    "0": "<white>", "": "<white>", "94": "<B>", "92": "<G>", "96": "<T>", "91": "<R>", "95": "<P>", "93": "<Y>",
+    "34": "<b>", "32": "<g>", "36": "<t>", "31": "<r>", "35": "<p>", "33": "<y>",
 }
+COLOUR = re.compile("\x1b\\[([0-9;]*)m")
+MARK = "<(?:white|[A-Za-z])>"
 
 
 def with_colour_letters(screen):
     """The text of a screen with its colours as <letter>; changes to the colour already shown are left out."""
     text = screen.decode("utf-8", "replace").replace("\r\n", "\n")
+    if ON_WINDOWS:
+        # The cursor is hidden and shown again around every write, and blanks are moves of the cursor.
+        text = re.sub("\x1b\\[\\?25[lh]|\x1b\\[K", "", text)
+        text = re.sub("\x1b\\[([0-9]*)C", lambda move: " " * int(move[1] or 1), text)
     shown = "<white>"
     pieces = []
-    for piece in re.split("(\x1b\\[[0-9;]*m)", text):
-        if piece.startswith("\x1b["):
-            pending = COLOUR_NAMES[piece]
-            if pending != shown:
-                pieces.append(pending)
-                shown = pending
-        else:
+    for number, piece in enumerate(COLOUR.split(text)):
+        if number % 2 == 0:
             pieces.append(piece)
+        elif COLOURS[re.sub("^0;", "", piece)] != shown:
+            shown = COLOURS[re.sub("^0;", "", piece)]
+            pieces.append(shown)
+    return "".join(pieces)
+
+
+def without_marks(text):
+    return re.sub(MARK, "", text)
+
+
+def with_visible_colours(text):
+    """Colours only where they can be seen: at the first character of a line, and where they change."""
+    shown = wanted = None
+    pieces = []
+    for token in re.findall(f"{MARK}|\n|[ ]+|[^\n <]+|<", text):
+        if re.fullmatch(MARK, token):
+            wanted = token
+        elif token == "\n":
+            shown = None
+            pieces.append(token)
+        else:
+            if token[0] != " " and wanted != shown:
+                shown = wanted
+                pieces.append(shown)
+            pieces.append(token)
     return "".join(pieces)
 
 
 class Session:
-    """A run of the program; a context manager that leaves no process behind."""
+    """A run of the program; a context manager that leaves no process behind.
 
-    def __init__(self, *arguments, columns=80, rows=25, environment=None, leader=False):
+    The terminal belongs to somebody else than the program, as under a shell, so that the program asks it
+    nothing; as its `leader` the program would find itself in a window of its own.
+    """
+
+    def __init__(self, *arguments, columns=100, rows=400, environment=None, leader=False):
         self.seen = b""
         self._searched = 0
         self._ended = None
         self.pid, self.master = pty.fork()
         if self.pid == 0:
-            if not leader:
-                # The terminal belongs to somebody else then, as under a shell: the program asks it nothing.
-                child = os.fork()
-                if child:
-                    signal.signal(signal.SIGTTOU, signal.SIG_IGN)
-                    os.setpgid(child, child)
-                    os.tcsetpgrp(0, child)
-                    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
-                        signal.signal(number, signal.SIG_IGN)
-                    _, status = os.waitpid(child, 0)
-                    code = os.waitstatus_to_exitcode(status)
-                    os._exit(code if code >= 0 else 128 - code)
-                os.setpgid(0, 0)
-                while os.tcgetpgrp(0) != os.getpid():
-                    time.sleep(0.001)
-            os.execvpe(PROGRAM[0], PROGRAM + ["skip-warnings"] + list(arguments),
+            fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+            if ON_WINDOWS:
+                tty.setraw(0)
+            elif not leader:
+                self._run_in_a_child()
+            # Wine opens a console window for the program, so that it would wait for a key at its end.
+            flags = ["skip-warnings", "pause:-1"] if ON_WINDOWS else ["skip-warnings"]
+            os.execvpe(PROGRAM[0], PROGRAM + flags + list(arguments),
                        {**os.environ, "TERM": "xterm", "NO_COLOR": "", **(environment or {})})
-        fcntl.ioctl(self.master, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+
+    @staticmethod
+    def _run_in_a_child():
+        """Goes on in a child in the foreground; the parent ends as the child does."""
+        child = os.fork()
+        if child:
+            signal.signal(signal.SIGTTOU, signal.SIG_IGN)
+            os.setpgid(child, child)
+            os.tcsetpgrp(0, child)
+            for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                signal.signal(number, signal.SIG_IGN)
+            code = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+            os._exit(code if code >= 0 else 128 - code)
+        os.setpgid(0, 0)
+        while os.tcgetpgrp(0) != os.getpid():
+            time.sleep(0.001)
 
     def __enter__(self):
         return self
@@ -72,8 +115,9 @@ class Session:
             os.kill(self.pid, signal.SIGKILL)
             os.waitpid(self.pid, 0)
 
-    def _read(self, seconds):
-        ready, _, _ = select.select([self.master], [], [], seconds)
+    def read(self, seconds):
+        """Reads what the program writes next; False when that was nothing."""
+        ready, _, _ = select.select([self.master], [], [], max(seconds, 0))
         if not ready:
             return False
         try:
@@ -91,16 +135,20 @@ class Session:
             if found >= 0:
                 self._searched = found + len(text)
                 return
-            if time.monotonic() > deadline or not self._read(deadline - time.monotonic()):
+            if not self.read(deadline - time.monotonic()):
                 raise AssertionError(f"{text!r} did not appear in\n{self.text()}")
 
     def type(self, keys):
-        os.write(self.master, keys.encode() if isinstance(keys, str) else keys)
+        keys = keys.replace("\n", "\r") if ON_WINDOWS else keys
+        os.write(self.master, keys.encode())
 
     def answer(self, prompt, keys):
         """Waits for the prompt and types a line."""
         self.wait_for(prompt)
         self.type(keys + "\n")
+
+    def type_end_of_input(self):
+        self.type("\x1a\n" if ON_WINDOWS else "\x04")
 
     def foreground(self):
         """The process group that keys like Ctrl-C are meant for."""
@@ -113,7 +161,7 @@ class Session:
     def end(self, seconds=60):
         """Reads to the end. The exit code; 128 and the signal that ended the program."""
         deadline = time.monotonic() + seconds
-        while time.monotonic() < deadline and self._read(deadline - time.monotonic()):
+        while self.read(deadline - time.monotonic()):
             pass
         while time.monotonic() < deadline:
             pid, status = os.waitpid(self.pid, os.WNOHANG)
@@ -125,7 +173,13 @@ class Session:
         raise AssertionError("the program does not end\n" + self.text())
 
     def text(self):
-        return without_colours(self.seen)
+        return without_marks(self.coloured())
 
     def coloured(self):
         return with_colour_letters(self.seen)
+
+    def shows(self, expected):
+        """Whether a text with colour letters stands on the screen. Wine sets colours where they show only."""
+        if ON_WINDOWS:
+            return with_visible_colours(expected) in with_visible_colours(self.coloured())
+        return expected in self.coloured()
