@@ -1,5 +1,7 @@
 #include "platform/memory/interleave_allocator.h"
 
+#include "config/settings_record.h"
+#include "config/text_cursor.h"
 #include "console/console.h"
 #include "console/input.h"
 #include "console/parse.h"
@@ -7,7 +9,6 @@
 #include "platform/memory/interleaved_commit.h"
 #include "platform/memory/mapped_block.h"
 #include "platform/menu_layout.h"
-#include "platform/text_cursor.h"
 
 namespace qmp {
 namespace {
@@ -31,11 +32,13 @@ bool begins_with_digit(const std::string& text) {
 }  // namespace
 
 std::string InterleaveAllocator::print_settings() const {
-    std::string text = "    hashed        :\t" + std::to_string(hashed ? 1 : 0) +
-                       "\r\n    locked        :\t" + std::to_string(static_cast<std::int32_t>(locked_pages)) +
-                       "\r\n    nodes         :\t" + std::to_string(nodes.size()) + "\r\n";
-    for (const std::uint64_t node : nodes) text += "        node      :\t" + std::to_string(node) + "\r\n";
-    return text;
+    SettingsRecordWriter lines;
+    lines.write_bool("    hashed        :", hashed)
+        .write_integer("    locked        :", static_cast<std::int32_t>(locked_pages))
+        .write_integer("    nodes         :", static_cast<std::int64_t>(nodes.size()));
+    for (const std::uint64_t node : nodes)
+        lines.write_integer("        node      :", static_cast<std::int64_t>(node));
+    return lines.take();
 }
 
 void InterleaveAllocator::load_settings(TextCursor& cursor) {

@@ -1,9 +1,10 @@
 #include "platform/memory/mmap_allocator.h"
 
+#include "config/settings_record.h"
+#include "config/text_cursor.h"
 #include "console/console.h"
 #include "platform/memory/mapped_block.h"
 #include "platform/memory/page_fill.h"
-#include "platform/text_cursor.h"
 
 namespace qmp {
 namespace {
@@ -27,8 +28,10 @@ bool take_large_pages(MappedHeapBlock& block, os::PageSource& pages, std::uint64
 }  // namespace
 
 std::string MmapAllocator::print_settings() const {
-    return "    largepages    :\t" + std::to_string(static_cast<std::int32_t>(large_pages)) +
-           "\r\n    locked        :\t" + std::to_string(static_cast<std::int32_t>(locked_pages)) + "\r\n";
+    return SettingsRecordWriter()
+        .write_integer("    largepages    :", static_cast<std::int32_t>(large_pages))
+        .write_integer("    locked        :", static_cast<std::int32_t>(locked_pages))
+        .take();
 }
 
 void MmapAllocator::load_settings(TextCursor& cursor) {

@@ -1,11 +1,12 @@
 #include "platform/parallel/async_parallelizer.h"
 
+#include "config/settings_record.h"
+#include "config/text_cursor.h"
 #include "console/console.h"
 #include "platform/menu_layout.h"
 #include "platform/os/thread_start.h"
 #include "platform/parallel/settings.h"
 #include "platform/parallel/spare_processor.h"
-#include "platform/text_cursor.h"
 
 namespace qmp {
 
@@ -41,7 +42,7 @@ std::string AsyncParallelizer::summary_remark() const {
 }
 
 std::string AsyncParallelizer::print_settings() const {
-    return "    async_only    :\t" + std::to_string(async_only_ ? 1 : 0) + "\r\n";
+    return SettingsRecordWriter().write_bool("    async_only    :", async_only_).take();
 }
 
 void AsyncParallelizer::load_settings(TextCursor& cursor) {

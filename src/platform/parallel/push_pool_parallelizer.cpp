@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "config/settings_record.h"
 #include "config/text_cursor.h"
 #include "console/console.h"
 #include "console/input.h"
@@ -94,8 +95,10 @@ std::string PushPoolParallelizer::summary_remark() const {
 }
 
 std::string PushPoolParallelizer::print_settings() const {
-    return "    worker threads:\t" + std::to_string(threads) + "\r\n    randomization :\t" +
-           std::to_string(randomize() ? 1 : 0) + "\r\n";
+    return SettingsRecordWriter()
+        .write_integer("    worker threads:", static_cast<std::int64_t>(threads))
+        .write_bool("    randomization :", randomize())
+        .take();
 }
 
 void PushPoolParallelizer::load_settings(TextCursor& cursor) {

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "config/text_cursor.h"
 #include "errors/exception.h"
 #include "platform/crc32c.h"
 #include "platform/memory/fake_memory.h"
 #include "platform/memory/interleaved_commit.h"
 #include "platform/memory/registry.h"
-#include "platform/text_cursor.h"
 #include "support/console.h"
 
 namespace {

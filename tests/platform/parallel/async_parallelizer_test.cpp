@@ -9,8 +9,8 @@
 #include <string>
 #include <thread>
 
+#include "config/text_cursor.h"
 #include "errors/exception.h"
-#include "platform/text_cursor.h"
 #include "support/console.h"
 
 namespace {

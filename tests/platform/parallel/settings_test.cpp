@@ -11,22 +11,14 @@
 #include "platform/parallel/thread_priority.h"
 #include "support/console.h"
 #include "support/fatal.h"
+#include "support/messages.h"
 
 namespace {
 
+using kelvara_test::message_of;
 using kelvara_test::printed_by;
 
 const bool has_thread_pool = qmp::os::system_thread_pool() != nullptr;
-
-template <typename Exception, typename Function>
-std::string message_of(Function&& function) {
-    try {
-        function();
-    } catch (const Exception& exception) {
-        return exception.message();
-    }
-    return "nothing was thrown";
-}
 
 TEST(ParallelizerRegistry, MakesFrameworksByKey) {
     EXPECT_STREQ(qmp::make_parallelizer("none")->get_display_name(), "None (No Multi-threading)");

@@ -1,4 +1,0 @@
-// Where components look for the reader of saved settings.
-#pragma once
-
-#include "config/text_cursor.h"
