@@ -13,10 +13,6 @@ namespace {
 
 }  // namespace
 
-void run_custom_compute_menu() {
-    not_available("The custom-compute menu");
-}
-
 void run_stress_test_menu() {
     not_available("The component stress tester");
 }
@@ -41,10 +37,6 @@ void run_log_formula_generator() {
 }
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");
-}
-
-void run_configuration_file(CommandLine&) {
-    not_available("The \"config\" action");
 }
 
 }  // namespace kelvara
