@@ -11,7 +11,7 @@
 
 namespace qmp::os {
 
-volatile std::sig_atomic_t terminal_is_uncooked = 0;
+std::atomic<bool> terminal_is_uncooked{false};
 termios cooked_terminal{};
 
 namespace {
@@ -50,12 +50,12 @@ class UncookedTerminal {
         uncooked.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         uncooked.c_cc[VMIN] = 1;
         uncooked.c_cc[VTIME] = 0;
-        terminal_is_uncooked = 1;
+        terminal_is_uncooked = true;
         active_ = tcsetattr(STDIN_FILENO, TCSANOW, &uncooked) == 0;
     }
     ~UncookedTerminal() {
         if (active_) tcsetattr(STDIN_FILENO, TCSANOW, &cooked_terminal);
-        terminal_is_uncooked = 0;
+        terminal_is_uncooked = false;
     }
     UncookedTerminal(const UncookedTerminal&) = delete;
     UncookedTerminal& operator=(const UncookedTerminal&) = delete;

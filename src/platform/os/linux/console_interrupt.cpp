@@ -14,8 +14,8 @@ constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 // Only calls that are safe in a signal. Whatever fails here fails because the terminal is gone.
 void restore_console(int signal) {
     static constexpr char default_colour[] = "\x1b[0m";
-    if (terminal_is_uncooked != 0) tcsetattr(STDIN_FILENO, TCSANOW, &cooked_terminal);
-    if (console_is_coloured != 0) {
+    if (terminal_is_uncooked) tcsetattr(STDIN_FILENO, TCSANOW, &cooked_terminal);
+    if (console_is_coloured) {
         [[maybe_unused]] const auto written = write(STDOUT_FILENO, default_colour, sizeof default_colour - 1);
     }
     // By default again since the handler was entered: the parent sees the true cause.

@@ -24,7 +24,7 @@ char* append_number(char* end, int value) {
 
 }  // namespace
 
-volatile std::sig_atomic_t console_is_coloured = 0;
+std::atomic<bool> console_is_coloured{false};
 
 bool is_dumb_terminal() {
     const char* terminal = std::getenv("TERM");
@@ -86,9 +86,9 @@ void set_text_attribute(int attribute) {
     }
     *end++ = 'm';
     // Noted before a colour appears and after it has gone, so that an interrupt in between is no loss.
-    if (attribute != 7) console_is_coloured = 1;
+    if (attribute != 7) console_is_coloured = true;
     write_bytes({sequence, static_cast<std::size_t>(end - sequence)});
-    if (attribute == 7) console_is_coloured = 0;
+    if (attribute == 7) console_is_coloured = false;
 }
 
 WindowSize window_size() {
