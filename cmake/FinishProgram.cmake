@@ -5,8 +5,8 @@ set(kelvara_seal_header ${PROJECT_SOURCE_DIR}/src/platform/integrity_seal.h)
 
 function(kelvara_finish_program target)
   set(program $<TARGET_FILE:${target}>)
-  # A sanitizer looks for line numbers in the program itself.
-  if(KELVARA_LINE_NUMBERS AND NOT KELVARA_SANITIZE)
+  # A sanitizer looks for line numbers in the program itself. Without objcopy they stay in it, too.
+  if(KELVARA_LINE_NUMBERS AND CMAKE_OBJCOPY AND NOT KELVARA_SANITIZE)
     list(APPEND commands
          COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${program} ${program}.debug
          COMMAND ${CMAKE_OBJCOPY} --strip-debug --add-gnu-debuglink=${program}.debug ${program})
