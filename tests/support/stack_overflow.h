@@ -7,7 +7,7 @@
 #if GTEST_HAS_DEATH_TEST
 #include <unistd.h>
 
-#include "platform/os/process.h"
+#include "platform/os/crash.h"
 
 namespace kelvara_test {
 
