@@ -14,16 +14,18 @@ class Actions(ProgramTest):
 
     def test_only_the_key_names_an_action(self):
         self.assert_refused("\nBenchmark Pi:\n", "bench:1", exit_code=1)
-        self.assert_refused("The custom-compute menu is not available in this build yet.", "custom:")
+        self.assert_refused("\nCustom Compute a Constant\n", "custom:", exit_code=1)
 
     def test_what_is_not_there_yet_says_so(self):
         missing = {
-            "custom": "The custom-compute menu",
             "stress": "The component stress tester", "benchio": "The I/O performance analysis",
-            "bbp": "The BBP digit extractor", "ordalis": "Ordalis", "config": 'The "config" action',
+            "bbp": "The BBP digit extractor", "ordalis": "Ordalis",
         }
         for action, name in missing.items():
             self.assert_refused(name + " is not available in this build yet.", action)
+
+    def test_config_asks_for_its_file(self):
+        self.assert_refused("Please specify a config file.", "config")
 
     def test_a_leading_flag_behind_the_action_is_an_option(self):
         self.assert_refused("Invalid Parameter: skip-warnings\n", "custom", "pi", "skip-warnings", exit_code=1)

@@ -41,7 +41,7 @@ class MainMenu(unittest.TestCase):
                 session.answer("option: ", answer)
                 session.wait_for("\nBenchmark Pi:\n")
                 session.wait_for("option: ")
-                session.type(b"\x04")
+                session.type_end_of_input()
                 self.assertEqual(session.end(), 1)
 
     def test_only_the_leading_digits_count(self):
@@ -54,7 +54,6 @@ class MainMenu(unittest.TestCase):
         answers = {
             "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
-            "3": "The custom-compute menu is not available in this build yet.",
             "4": "The BBP digit extractor is not available in this build yet.",
             "5": "Ordalis is not available in this build yet.",
             "6": "Advanced Options\n\n  0         Benchmark Validator\n",
@@ -67,6 +66,14 @@ class MainMenu(unittest.TestCase):
                     session.answer("option: ", "1")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
+
+    def test_the_custom_compute_menu(self):
+        with Session() as session:
+            session.answer("option: ", "3")
+            session.wait_for("\nCustom Compute a Constant\n")
+            session.wait_for("option: ")
+            session.type_end_of_input()
+            self.assertEqual(session.end(), 1)
 
     def test_the_end_of_input_ends_the_program(self):
         with Session() as session:

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "support/sanitized.h"
-#include "support/stack_overflow.h"
+#include "support/linux/stack_overflow.h"
 
 namespace qmp::os {
 namespace {

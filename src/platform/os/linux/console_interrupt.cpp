@@ -1,3 +1,4 @@
+#include <time.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -11,11 +12,20 @@ namespace {
 
 constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
+// Other threads go on printing while a signal is handled. Their writes end soon; the one that the signal
+// interrupted on its own thread does not, so the wait is short.
+void stop_writers() {
+    constexpr timespec moment{0, 1'000'000};
+    console_is_closed = true;
+    for (int i = 0; i < 20 && console_writers > 0; ++i) nanosleep(&moment, nullptr);
+}
+
 // Only calls that are safe in a signal. Whatever fails here fails because the terminal is gone.
 void restore_console(int signal) {
     static constexpr char default_colour[] = "\x1b[0m";
     if (terminal_is_uncooked) tcsetattr(STDIN_FILENO, TCSANOW, &cooked_terminal);
-    if (console_is_coloured) {
+    if (console_was_coloured) {
+        stop_writers();
         [[maybe_unused]] const auto written = write(STDOUT_FILENO, default_colour, sizeof default_colour - 1);
     }
     // By default again since the handler was entered: the parent sees the true cause.

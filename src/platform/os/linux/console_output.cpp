@@ -22,9 +22,19 @@ char* append_number(char* end, int value) {
     return end + 1;
 }
 
+// Counted for the code that waits until nobody writes.
+struct Writer {
+    Writer() { ++console_writers; }
+    ~Writer() { --console_writers; }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+};
+
 }  // namespace
 
-std::atomic<bool> console_is_coloured{false};
+std::atomic<bool> console_was_coloured{false};
+std::atomic<int> console_writers{0};
+std::atomic<bool> console_is_closed{false};
 
 bool is_dumb_terminal() {
     const char* terminal = std::getenv("TERM");
@@ -40,7 +50,8 @@ bool console_rewrites_lines() {
 }
 
 void write_bytes(std::string_view bytes) {
-    while (!bytes.empty()) {
+    const Writer writer;
+    while (!bytes.empty() && !console_is_closed) {
         const ssize_t written = write(STDOUT_FILENO, bytes.data(), bytes.size());
         if (written >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -85,10 +96,8 @@ void set_text_attribute(int attribute) {
         end = append_number(end, (background >= 8 ? 100 : 40) + terminal_colour[background & 7]);
     }
     *end++ = 'm';
-    // Noted before a colour appears and after it has gone, so that an interrupt in between is no loss.
-    if (attribute != 7) console_is_coloured = true;
+    if (attribute != 7) console_was_coloured = true;  // before it appears: an interrupt may come in between
     write_bytes({sequence, static_cast<std::size_t>(end - sequence)});
-    if (attribute == 7) console_is_coloured = false;
 }
 
 WindowSize window_size() {

@@ -6,7 +6,7 @@
 #include "platform/parallel/framework_variants.h"
 #include "platform/parallel/run_on_threads.h"
 #include "support/sanitized.h"
-#include "support/stack_overflow.h"
+#include "support/linux/stack_overflow.h"
 
 namespace {
 
