@@ -250,7 +250,6 @@ TEST(RamConfiguration, TheOutputFolderMustBeWritable) {
     std::ofstream(folder.native("file")) << "no folder";
     for (const char* name : {"missing", "file"}) {
         Texts texts{.output = "{ Path : \"" + folder.path(name) + "\" DigitsPerFile : 0 }"};
-        std::erase(texts.output, '\\');
         EXPECT_EQ(message_of<qmp::FileIO::FileException>([&] { read_settings(texts.object()); }),
                   "Path is not writable.");
     }
