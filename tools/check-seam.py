@@ -41,7 +41,7 @@ SYSTEM = re.compile(
 INSTRUCTIONS = re.compile(r"#\s*include\s*[<\"](?!xmm|emm)\w+intrin\.h\b")
 
 KERNEL_FOLDERS = {"kernels", "vectors"}
-KERNEL_NAME = re.compile(r"_(?:sse2|sse4|avx2|fma4|avx512|adx|sha)$")
+KERNEL_NAME = re.compile(r"_(?:sse2|sse4|sse42|avx2|fma4|avx512|adx|sha)$")
 TEST_FOLDERS = {"linux", "windows"}
 SUFFIXES = (".h", ".hpp", ".inc", ".c", ".cc", ".cpp")
 
