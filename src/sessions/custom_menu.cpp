@@ -13,13 +13,14 @@
 #include "console/labels.h"
 #include "constants/catalogue.h"
 #include "errors/exception.h"
+#include "errors/file_exception.h"
 #include "platform/os/process.h"
-#include "sessions/saved_computation.h"
 #include "sessions/memory_checks.h"
 #include "sessions/memory_menu.h"
 #include "sessions/mode_menu.h"
 #include "sessions/output_format_menu.h"
 #include "sessions/ram_session.h"
+#include "sessions/saved_computation.h"
 
 namespace kelvara {
 namespace {
@@ -53,14 +54,15 @@ void print_choices(const RamSettings& settings) {
     const Constant& constant = settings.constant();
     const AlgorithmInfo* algorithm = constant.algorithm_info();
     console::print_column_line(narrow_column, "  1     Constant:", constant.full_name(), constant.colour());
-    console::print_column_line(narrow_column, "  2     Algorithm:", algorithm ? algorithm->long_name : "", 'Y');
+    console::print_column_line(narrow_column, "  2     Algorithm:", algorithm ? algorithm->long_name : "",
+                               'Y');
     console::newline();
     console::print_column_separated(wide_column, "  3     Decimal Digits:", settings.decimal_digits(), 'G');
     if (settings.hexadecimal_digits() == 0) {
         console::print_column_line(wide_column, "  4     Hexadecimal Digits:", "Disabled", 'g');
     } else {
-        console::print_column_separated(wide_column, "  4     Hexadecimal Digits:",
-                                        settings.hexadecimal_digits(), 'G');
+        console::print_column_separated(wide_column,
+                                        "  4     Hexadecimal Digits:", settings.hexadecimal_digits(), 'G');
     }
     console::newline();
     console::print_column_line(wide_column, "  5     Write Digits To:",
@@ -107,16 +109,28 @@ void print_file_options() {
     console::println("", 'w');
 }
 
-// False when the rest of the menu makes no sense: the machine has no addresses for so much memory.
+// Without a folder for the digits, a line that says so and false: the answer 0 is then refused.
+bool can_write_digits(const RamSettings& settings) {
+    try {
+        settings.check();
+        return true;
+    } catch (const qmp::FileIO::FileException& exception) {
+        console::println("        Cannot Start: " + exception.message(), 'R');
+        console::reset_color();
+        return false;
+    }
+}
+
+// True when the settings can run. The menu ends early when the machine has no addresses for so much memory.
 bool print_menu(const RamSettings& settings) {
     print_choices(settings);
     const std::optional<std::uint64_t> memory = print_needs(settings);
     if (memory && !fits_address_space(*memory)) return false;
     print_file_options();
     console::println("  0     Start Computation!", 'w');
-    if (memory) warn_of_physical_memory(*memory);
-    console::newline();
-    return true;
+    if (!memory) return false;
+    warn_of_physical_memory(*memory);
+    return can_write_digits(settings);
 }
 
 void ask_decimal_digits(RamSettings& settings) {
@@ -182,10 +196,8 @@ void act(RamSettings& settings, std::int64_t option) {
 
 // True when the user wants the computation.
 bool step(RamSettings& settings) {
-    const bool complete = print_menu(settings);
-    const bool can_start = complete && settings.can_run();
-    const std::int64_t option =
-        console::read_int_in_range("option: ", can_start ? 0 : 1, last_option, 'T');
+    const bool can_start = print_menu(settings);
+    const std::int64_t option = console::read_int_in_range("option: ", can_start ? 0 : 1, last_option, 'T');
     console::newline();
     if (option == 0) return true;
     act(settings, option);

@@ -23,13 +23,15 @@ bool fits_address_space(std::uint64_t bytes) {
     return false;
 }
 
-void warn_of_physical_memory(std::uint64_t bytes) {
+PhysicalMemory physical_memory() {
     constexpr std::uint64_t largest_figure = 0x6ffffffffffffff9;
-    const std::uint64_t available = std::min(qmp::os::available_physical_memory(), largest_figure);
-    const std::uint64_t total = qmp::os::total_physical_memory();
-    if (total != 0 && bytes > total) {
+    return {qmp::os::total_physical_memory(), std::min(qmp::os::available_physical_memory(), largest_figure)};
+}
+
+void warn_of_physical_memory(std::uint64_t bytes, const PhysicalMemory& memory) {
+    if (memory.total != 0 && bytes > memory.total) {
         complain("        Warning: There is insufficient physical memory.");
-    } else if (available != 0 && bytes > available) {
+    } else if (memory.available != 0 && bytes > memory.available) {
         complain("        Warning: There is insufficient available physical memory.");
     }
 }

@@ -14,9 +14,16 @@ namespace {
 
 namespace console = qmp::console;
 
-// The columns of the table: the mode's memory and its disk.
+// The columns of the table, from the line's start and from the memory's.
 constexpr std::uint64_t memory_column = 28;
 constexpr std::uint64_t disk_column = 12;
+
+void print_ram_only(std::uint64_t memory) {
+    std::string estimates = console::format_bytes(memory);
+    estimates.resize(disk_column, ' ');
+    estimates += console::format_bytes(0);
+    console::print_column_line(memory_column, "1      Ram Only", estimates, 'Y');
+}
 
 void print_notes() {
     console::println("*Disk usage varies with the amount of memory that is being used.");
@@ -38,11 +45,10 @@ void ask_mode(RamSettings& settings) {
     const std::unique_ptr<RamComputation> computation = settings.make_computation();
     console::println("Select a Mode:\n", 'w');
     console::println("Option      Mode            Memory      Disk Memory\n");
-    console::print_column(memory_column, "1      Ram Only",
-                          console::format_bytes(computation->memory_estimate()), 'Y');
-    console::println("");
-    console::print_column(memory_column, "2      Swap Mode         >", "not available in this build yet", 'y');
-    console::println("\n", 'w');
+    print_ram_only(computation->memory_estimate());
+    console::print_column_line(memory_column, "2      Swap Mode         >", "not available in this build yet",
+                               'y');
+    console::newline();
     print_notes();
     if (console::read_int_in_range("option: ", 1, 2, 'T') == 2) {
         throw qmp::InvalidParametersException("", "Swap Mode is not available in this build yet.");

@@ -43,8 +43,8 @@ void ask_output_format(RamSettings& settings) {
             break;
         case 2:
             console::newline();
-            settings.set_digits_per_file(
-                console::ask_digit_count("Digits per file: ", least_digits, settings.constant().max_digits()));
+            settings.set_digits_per_file(console::ask_digit_count("Digits per file: ", least_digits,
+                                                                  settings.constant().max_digits()));
             break;
         default:
             settings.set_digits_per_file(0);

@@ -92,7 +92,8 @@ RamSettings read_settings(const Object& object) {
     read_size(settings, object.get_object("ComputeSize", settings_context));
     read_output(settings, object.get_object("Output", settings_context));
     check_mode(object.get_string("Mode", settings_context));
-    qmp::ParallelSettings parallelism = qmp::read_parallel_settings(object.get_object("Parallelism", settings_context));
+    qmp::ParallelSettings parallelism =
+        qmp::read_parallel_settings(object.get_object("Parallelism", settings_context));
     settings.set_task_decomposition(parallelism.task_decomposition);
     settings.set_framework(std::move(parallelism.framework));
     settings.set_allocator(qmp::read_allocator_settings(object.get_object("Allocator", settings_context)));

@@ -23,7 +23,6 @@ constexpr std::string_view actions[] = {custom_compute, bench_io};
 
 std::string ask_path(const char* heading) {
     console::println(heading, 'w');
-    console::newline();
     return console::read_labelled_line("Path", 'T');
 }
 
