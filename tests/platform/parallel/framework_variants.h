@@ -44,8 +44,8 @@ inline std::vector<FrameworkVariant> framework_variants() {
                                      {"pushpool_in_order", "pushpool", 0, false},
                                      {"pushpool_limit_1", "pushpool", 1},
                                      {"pushpool_limit_2", "pushpool", 2},
-                                     {"pushpool_limit_7_in_order", "pushpool", 7, false},
-                                     {"winpool_over_a_fake", "fake"}});
+                                     {"pushpool_limit_7_in_order", "pushpool", 7, false}});
+    if (qmp::os::system_thread_pool() == nullptr) variants.push_back({"winpool_over_a_fake", "fake"});
     return variants;
 }
 

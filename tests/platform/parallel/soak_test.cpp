@@ -56,7 +56,7 @@ class NestedWork {
     }
 
     std::uint64_t by_range(std::uint64_t begin, std::uint64_t end, std::uint64_t depth, Random random) {
-        const std::uint64_t tasks = random.between(1, 40);
+        const std::uint64_t tasks = random.between(1, 24);
         const qmp::BlockCut cut = qmp::BlockCut::of(end - begin, tasks, 1);
         std::vector<std::uint64_t> sums(cut.count, 0);
         const std::uint64_t salt = random.next();
@@ -100,7 +100,7 @@ bool sums_agree(BasicParallelizer& framework, std::uint64_t items, std::uint64_t
 
 TEST_P(Soak, NestedWorkOfOneThread) {
     const auto framework = GetParam().make();
-    const std::uint64_t rounds = 8 * kelvara_test::multiplier();
+    const std::uint64_t rounds = 6 * kelvara_test::multiplier();
     for (std::uint64_t round = 0; round < rounds; ++round) {
         framework->warm_up();
         ASSERT_TRUE(sums_agree(*framework, 300 + round, round)) << round;
@@ -110,7 +110,7 @@ TEST_P(Soak, NestedWorkOfOneThread) {
 
 TEST_P(Soak, NestedWorkOfSeveralThreads) {
     const auto framework = GetParam().make();
-    const std::uint64_t rounds = 3 * kelvara_test::multiplier();
+    const std::uint64_t rounds = 2 * kelvara_test::multiplier();
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
     for (std::uint64_t t = 0; t < 4; ++t) {

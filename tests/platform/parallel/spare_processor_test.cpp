@@ -86,7 +86,7 @@ TEST(SpareProcessor, ThreadsOfTheSystemsBalanceTheCount) {
         const std::uint64_t before = framework->idle_processors();
         ASSERT_LE(before, qmp::os::active_processors());
         const ParallelContext parallel{4, framework.get()};
-        for (int round = 0; round < 20; ++round) {
+        for (int round = 0; round < 5; ++round) {
             std::atomic<int> leaves{0};
             parallel.run_pair([&] { parallel.run_pair([&] { leaves++; }, [&] { leaves++; }); },
                               [&] { parallel.run(0, 3, [&](std::uint64_t) { leaves++; }); });

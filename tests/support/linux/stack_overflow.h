@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#if GTEST_HAS_DEATH_TEST
-#include <unistd.h>
+#include <cstdlib>
 
 #include "platform/os/crash.h"
 
+#if GTEST_HAS_DEATH_TEST
 namespace kelvara_test {
 
 // Never comes back. The depth is compared so that the compiler sees an end.
@@ -22,7 +22,7 @@ constexpr int crash_was_handled = 7;
 
 // From now on a crash ends the process with that exit code.
 inline void end_at_the_crash_handler() {
-    qmp::os::install_crash_handler([](const qmp::os::CrashContext*) { _exit(crash_was_handled); });
+    qmp::os::install_crash_handler([](const qmp::os::CrashContext*) { std::_Exit(crash_was_handled); });
 }
 
 }  // namespace kelvara_test

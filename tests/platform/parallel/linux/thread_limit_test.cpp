@@ -13,6 +13,7 @@
 #include "platform/parallel/framework_variants.h"
 #include "platform/parallel/run_on_threads.h"
 #include "platform/parallel/spawn_parallelizer.h"
+#include "support/fatal.h"
 #include "support/sanitized.h"
 
 namespace {
@@ -46,6 +47,7 @@ constexpr int all_ran = 4;
 
 template <typename Call>
 [[noreturn]] void end_with_outcome_of(Call call) {
+    kelvara_test::output_to_error();
     leave_room_for_few_threads();
     SlowAction action(many_tasks);
     try {
