@@ -143,6 +143,8 @@ class CustomMenu(ProgramTest):
             session.answer("option: ", "0")
             self.choose(session, "5", ("Path: ", ""))
             self.leave(session)
+            self.assertTrue(session.shows("<R>        Cannot Start: The folder for the digit files does not exist.\n"
+                                          "<white>option: "), session.coloured())
             self.assertEqual(self.shown(session, "Write Digits To:"), "Default Path")
             self.assertIn(PATH_PROMPT + "\n\nPath: ", session.text())
             self.assertNotIn("Begin Computation", session.text())
@@ -191,6 +193,25 @@ class CustomMenu(ProgramTest):
             self.choose(session, "1", "2", "0", "0")
             self.leave(session)
             self.assertIn("   2    Memory Allocator:       C malloc()\n   0    Done!\n", session.text())
+
+    def test_a_computation_larger_than_the_machine_is_warned_of(self):
+        with self.menu() as session:
+            self.choose(session, "3", ("Digits: ", "1000t"))
+            self.leave(session)
+            self.assertTrue(session.shows("  0     Start Computation!\n"
+                                          "<R>        Warning: There is insufficient physical memory.\n"
+                                          "<white>option: "), session.coloured())
+
+    # Answers without digits are 0.
+    def test_an_empty_answer_starts_the_computation(self):
+        with self.menu() as session:
+            self.choose(session, "3", ("Digits: ", "100"))
+            self.choose(session, "5", ("Path: ", self.folder))
+            session.answer("option: ", "")
+            self.assertEqual(session.end(), 0)
+            # The menu does not come back.
+            self.assertEqual(session.text().count("Custom Compute a Constant\n"), 3)
+            self.assertEqual(sorted(self.files()), ["Pi - Dec - Chudnovsky.txt", "Pi - Hex - Chudnovsky.txt"])
 
     def test_options_without_meaning_show_the_menu_again(self):
         with self.menu() as session:
