@@ -17,9 +17,16 @@ if(KELVARA_LINE_NUMBERS AND NOT KELVARA_SANITIZE)
   target_compile_options(kelvara_options INTERFACE -g1)
 endif()
 
+# Targets made where the variable KELVARA_TEST_CODE is on are tests.
+define_property(TARGET PROPERTY KELVARA_TEST_CODE INITIALIZE_FROM_VARIABLE KELVARA_TEST_CODE)
+
 if(KELVARA_SANITIZE)
+  # The sanitizers look at what is tested. The tests' own code, which takes them most of the build, goes with
+  # less: little optimisation, no checks of undefined behaviour, and warnings as the other builds see them.
+  set(kelvara_is_test "$<BOOL:$<TARGET_PROPERTY:KELVARA_TEST_CODE>>")
   target_compile_options(kelvara_options INTERFACE
-    -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g
+    "$<${kelvara_is_test}:-O1;-fno-sanitize=undefined;-Wno-error>")
   target_link_options(kelvara_options INTERFACE -fsanitize=${KELVARA_SANITIZE})
 endif()
 
