@@ -44,14 +44,16 @@ if [ -t 1 ]; then
     exec "$wine" "$@"
 fi
 
+# Files take both outputs: should the services have ended meanwhile, the test itself starts them anew.
 # One start in some thousands comes back at once with nothing written: then once more.
-output=$(mktemp) || exit 1
-trap 'rm -f "$output"' EXIT
-"$wine" "$@" >"$output"
+output=$(mktemp) && errors=$(mktemp) || exit 1
+trap 'rm -f "$output" "$errors"' EXIT
+"$wine" "$@" >"$output" 2>"$errors"
 code=$?
 if [ ! -s "$output" ]; then
-    "$wine" "$@" >"$output"
+    "$wine" "$@" >"$output" 2>"$errors"
     code=$?
 fi
+cat "$errors" >&2
 cat "$output"
 exit "$code"
