@@ -138,7 +138,14 @@ class Session:
             if not self.read(deadline - time.monotonic()):
                 raise AssertionError(f"{text!r} did not appear in\n{self.text()}")
 
+    def settle(self):
+        """Reads until the program is silent for a moment: it waits, its prompt's colour is set."""
+        deadline = time.monotonic() + 2
+        while self.read(0.1) and time.monotonic() < deadline:
+            pass
+
     def type(self, keys):
+        self.settle()
         keys = keys.replace("\n", "\r") if ON_WINDOWS else keys
         os.write(self.master, keys.encode())
 
