@@ -40,22 +40,13 @@ struct RamSession::Memory {
     std::optional<qmp::TwiddleSet> twiddle_set;
 };
 
-std::uint64_t RamSession::working_size(const RamComputation& computation) const {
-    const std::uint64_t tasks = settings_.task_decomposition();
-    const std::uint64_t hexadecimal = settings_.hexadecimal_digits();
-    return std::max({computation.working_bytes(),
-                     qmp::decimal_output_bytes(settings_.decimal_digits(), tasks),
-                     hexadecimal > 0 ? qmp::hexadecimal_output_bytes(hexadecimal, tasks) : 0});
-}
-
 void RamSession::warn_if_memory_is_short(std::uint64_t bytes) const {
     const std::uint64_t available =
         std::min(qmp::os::available_physical_memory(), std::uint64_t{0x6ffffffffffffff9});
     if (available == 0 || available >= bytes) return;
     console::print_warning(
         "Warning:\nThere is insufficient available memory to perform this operation.\n\nInsufficient memory "
-        "may lead "
-        "to virtual memory thrashing which can cause severe\nperformance degradation and/or system "
+        "may lead to virtual memory thrashing which can cause severe\nperformance degradation and/or system "
         "unresponsiveness.\n");
     console::pause();
     console::newline();
@@ -85,9 +76,9 @@ void RamSession::print_header(const RamComputation& computation) const {
     console::newline();
 }
 
-void RamSession::reserve(Memory& memory, const RamComputation& computation) {
+void RamSession::reserve(Memory& memory, const MemoryPlan& plan) {
     const qmp::ParallelContext parallel = settings_.parallel();
-    record_.working_memory = round_down_to_8(working_size(computation) + working_memory_margin);
+    record_.working_memory = round_down_to_8(plan.working + working_memory_margin);
 
     settings_.allocator().acquire_privileges();  // warns; the reservation does with what there is
     record_.log.append("Reserving Working Memory");
@@ -104,14 +95,12 @@ void RamSession::reserve(Memory& memory, const RamComputation& computation) {
 
     record_.log.append("Constructing Twiddle Tables");
     step = qmp::now();
-    const std::uint64_t product = std::max(computation.largest_product(),
-                                           qmp::decimal_output_largest_product(settings_.decimal_digits()));
-    const std::uint64_t bytes = std::max<std::uint64_t>(qmp::TwiddleSet::bytes_needed(product), 64);
-    memory.twiddles =
-        qmp::allocate_large_heap(settings_.allocator(), "Constructing Twiddle Tables...  ", bytes, parallel);
+    memory.twiddles = qmp::allocate_large_heap(settings_.allocator(), "Constructing Twiddle Tables...  ",
+                                               plan.twiddles, parallel);
     record_.twiddle_memory_text = memory.twiddles.description;
-    memory.twiddle_set.emplace(memory.twiddles.block->base, memory.twiddles.block->size, product, parallel);
-    record_.twiddle_memory = bytes;
+    memory.twiddle_set.emplace(memory.twiddles.block->base, memory.twiddles.block->size, plan.largest_product,
+                               parallel);
+    record_.twiddle_memory = plan.twiddles;
     record_.twiddle_seconds = qmp::seconds_between(qmp::now(), step);
     record_.log.append("Constructing Twiddle Tables: " + console::format_time(record_.twiddle_seconds));
     console::newline();
@@ -169,7 +158,9 @@ void RamSession::check_digits() {
 void RamSession::run() {
     const std::unique_ptr<RamComputation> computation =
         settings_.constant().make_ram_computation(settings_.task_decomposition());
-    warn_if_memory_is_short(working_size(*computation));
+    const MemoryPlan plan =
+        plan_memory(*computation, settings_.decimal_digits(), settings_.hexadecimal_digits());
+    warn_if_memory_is_short(plan.working);
     print_header(*computation);
 
     record_.start_time = local_time_text();
@@ -180,7 +171,7 @@ void RamSession::run() {
 
     settings_.framework().warm_up();
     Memory memory;
-    reserve(memory, *computation);
+    reserve(memory, plan);
     compute_and_write(memory, *computation);
 }
 

@@ -10,6 +10,7 @@
 
 #include "console/progress.h"
 #include "platform/memory/basic_allocator.h"
+#include "sessions/memory_plan.h"
 #include "sessions/ram_settings.h"
 #include "sessions/session_record.h"
 
@@ -29,10 +30,9 @@ class RamSession {
   private:
     struct Memory;  // the two heap blocks and what stands in them
 
-    std::uint64_t working_size(const class RamComputation& computation) const;
     void warn_if_memory_is_short(std::uint64_t bytes) const;
     void print_header(const RamComputation& computation) const;
-    void reserve(Memory& memory, const RamComputation& computation);
+    void reserve(Memory& memory, const MemoryPlan& plan);
     void compute_and_write(Memory& memory, const RamComputation& computation);
     void check_digits();
 
