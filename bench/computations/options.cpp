@@ -28,52 +28,23 @@ void fill_in(std::vector<std::uint64_t>& digits) {
     sort_out(digits);
 }
 
-bool set_flag(Options& options, std::string_view name) {
-    if (name == "--growth") {
-        options.growth = true;
-    } else if (name == "--breakdown") {
-        options.breakdown = true;
-    } else if (name == "--help") {
-        options.help = true;
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool set_value(Options& options, const Argument& argument) {
-    const auto& [name, value] = argument;
-    if (name == "--digits") {
-        options.digits = numbers(value);
-    } else if (name == "--tasks") {
-        options.tasks = numbers(value);
-    } else if (name == "--constants") {
-        options.constants = items(value);
-    } else if (name == "--algorithms") {
-        options.algorithms = items(value);
-    } else if (name == "--levels") {
-        options.levels = chosen(items(value), supported_levels(), "level");
-    } else if (name == "--runs") {
-        options.runs = numbers(value).front();
-    } else if (name == "--folder") {
-        options.folder = value;
-    } else {
-        return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 Options parse_options(int argc, char** argv) {
     Options options;
     options.levels = {supported_levels().front()};
-    for (int i = 1; i < argc; ++i) {
-        const Argument argument(argv[i]);
-        if (argument.value.empty() ? !set_flag(options, argument.name) : !set_value(options, argument)) {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        }
-    }
+    read_arguments(argc, argv,
+                   {{"--growth", [&] { options.growth = true; }},
+                    {"--breakdown", [&] { options.breakdown = true; }},
+                    {"--help", [&] { options.help = true; }}},
+                   {{"--digits", [&](auto value) { options.digits = numbers(value); }},
+                    {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
+                    {"--constants", [&](auto value) { options.constants = items(value); }},
+                    {"--algorithms", [&](auto value) { options.algorithms = items(value); }},
+                    {"--levels",
+                     [&](auto value) { options.levels = chosen(items(value), supported_levels(), "level"); }},
+                    {"--runs", [&](auto value) { options.runs = number(value); }},
+                    {"--folder", [&](auto value) { options.folder = value; }}});
     sort_out(options.digits);
     sort_out(options.tasks);
     if (options.growth) fill_in(options.digits);

@@ -1,46 +1,20 @@
 #include "options.h"
 
 #include <cstdio>
-#include <stdexcept>
 
 #include "support/arguments.h"
 
 namespace bench {
-namespace {
-
-std::uint64_t number(std::string_view value) {
-    const std::vector<std::uint64_t> list = numbers(value);
-    if (list.size() != 1) throw std::invalid_argument("Not one number: " + std::string(value));
-    return list.front();
-}
-
-}  // namespace
-
 Options parse_options(int argc, char** argv) {
     Options options;
     options.parts = all_parts;
-    for (int i = 1; i < argc; ++i) {
-        const auto [name, value] = Argument(argv[i]);
-        if (name == "--help" && value.empty()) {
-            options.help = true;
-        } else if (value.empty()) {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        } else if (name == "--parts") {
-            options.parts = chosen(items(value), all_parts, "part");
-        } else if (name == "--tasks") {
-            options.tasks = numbers(value);
-        } else if (name == "--sizes") {
-            options.sizes = numbers(value);
-        } else if (name == "--rounds") {
-            options.rounds = number(value);
-        } else if (name == "--product") {
-            options.product = number(value);
-        } else if (name == "--budget") {
-            options.budget = std::stod(std::string(value));
-        } else {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        }
-    }
+    read_arguments(argc, argv, {{"--help", [&] { options.help = true; }}},
+                   {{"--parts", [&](auto value) { options.parts = chosen(items(value), all_parts, "part"); }},
+                    {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
+                    {"--sizes", [&](auto value) { options.sizes = numbers(value); }},
+                    {"--rounds", [&](auto value) { options.rounds = number(value); }},
+                    {"--product", [&](auto value) { options.product = number(value); }},
+                    {"--budget", [&](auto value) { options.budget = seconds(value); }}});
     return options;
 }
 

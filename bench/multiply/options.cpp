@@ -1,7 +1,6 @@
 #include "options.h"
 
 #include <cstdio>
-#include <stdexcept>
 
 #include "support/arguments.h"
 
@@ -11,28 +10,15 @@ Options parse_options(int argc, char** argv) {
     Options options;
     options.parts = all_parts;
     options.levels = supported_levels();
-    for (int i = 1; i < argc; ++i) {
-        const auto [name, value] = Argument(argv[i]);
-        if (name == "--help" && value.empty()) {
-            options.help = true;
-        } else if (name == "--processor-time" && value.empty()) {
-            options.processor_time = true;
-        } else if (value.empty()) {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        } else if (name == "--parts") {
-            options.parts = chosen(items(value), all_parts, "part");
-        } else if (name == "--levels") {
-            options.levels = chosen(items(value), supported_levels(), "level");
-        } else if (name == "--tasks") {
-            options.tasks = numbers(value);
-        } else if (name == "--sizes") {
-            options.sizes = numbers(value);
-        } else if (name == "--budget") {
-            options.budget = std::stod(std::string(value));
-        } else {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        }
-    }
+    read_arguments(argc, argv,
+                   {{"--help", [&] { options.help = true; }},
+                    {"--processor-time", [&] { options.processor_time = true; }}},
+                   {{"--parts", [&](auto value) { options.parts = chosen(items(value), all_parts, "part"); }},
+                    {"--levels",
+                     [&](auto value) { options.levels = chosen(items(value), supported_levels(), "level"); }},
+                    {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
+                    {"--sizes", [&](auto value) { options.sizes = numbers(value); }},
+                    {"--budget", [&](auto value) { options.budget = seconds(value); }}});
     return options;
 }
 

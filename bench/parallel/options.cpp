@@ -25,24 +25,13 @@ std::uint64_t depth_of(std::string_view text) {
 Options parse_options(int argc, char** argv) {
     Options options;
     options.frameworks = qmp::parallelizer_keys();
-    for (int i = 1; i < argc; ++i) {
-        const auto [name, value] = Argument(argv[i]);
-        if (name == "--help" && value.empty()) {
-            options.help = true;
-        } else if (value.empty()) {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        } else if (name == "--frameworks") {
-            options.frameworks = chosen(items(value), qmp::parallelizer_keys(), "framework");
-        } else if (name == "--tasks") {
-            options.tasks = numbers(value);
-        } else if (name == "--depth") {
-            options.depth = depth_of(value);
-        } else if (name == "--budget") {
-            options.budget = std::stod(std::string(value));
-        } else {
-            throw std::invalid_argument("Unknown option: " + std::string(argv[i]));
-        }
-    }
+    const std::vector<std::string> all = options.frameworks;
+    read_arguments(
+        argc, argv, {{"--help", [&] { options.help = true; }}},
+        {{"--frameworks", [&](auto value) { options.frameworks = chosen(items(value), all, "framework"); }},
+         {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
+         {"--depth", [&](auto value) { options.depth = depth_of(value); }},
+         {"--budget", [&](auto value) { options.budget = seconds(value); }}});
     return options;
 }
 

@@ -7,10 +7,38 @@
 
 namespace bench {
 
-Argument::Argument(std::string_view text) {
-    const std::size_t equals = text.find('=');
-    name = text.substr(0, equals);
-    if (equals != std::string_view::npos) value = text.substr(equals + 1);
+namespace {
+
+double number_in(const std::string& text, double least, double most) {
+    std::size_t used = 0;
+    double value = 0;
+    try {
+        value = std::stod(text, &used);
+    } catch (const std::exception&) {
+        used = 0;  // refused below
+    }
+    if (used == 0 || used != text.size() || !(value >= least) || value > most) {
+        throw std::invalid_argument("Not a positive number: " + text);
+    }
+    return value;
+}
+
+}  // namespace
+
+void read_arguments(int argc, char** argv, const Flags& flags, const ValueOptions& options) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view text = argv[i];
+        const std::size_t equals = std::min(text.find('='), text.size());
+        const std::string_view name = text.substr(0, equals);
+        const std::string_view value = text.substr(std::min(equals + 1, text.size()));
+        if (const auto flag = flags.find(name); value.empty() && flag != flags.end()) {
+            flag->second();
+        } else if (const auto option = options.find(name); !value.empty() && option != options.end()) {
+            option->second(value);
+        } else {
+            throw std::invalid_argument("Unknown option: " + std::string(text));
+        }
+    }
 }
 
 std::vector<std::string> items(std::string_view list) {
@@ -26,14 +54,17 @@ std::vector<std::string> items(std::string_view list) {
 std::vector<std::uint64_t> numbers(std::string_view list) {
     std::vector<std::uint64_t> result;
     for (const std::string& item : items(list)) {
-        std::size_t used = 0;
-        const double value = std::stod(item, &used);
-        if (used != item.size() || !(value >= 1) || value > 1e12) {
-            throw std::invalid_argument("Not a positive number: " + item);
-        }
-        result.push_back(static_cast<std::uint64_t>(value));
+        result.push_back(static_cast<std::uint64_t>(number_in(item, 1, 1e12)));
     }
     return result;
+}
+
+std::uint64_t number(std::string_view text) {
+    return static_cast<std::uint64_t>(number_in(std::string(text), 1, 1e12));
+}
+
+double seconds(std::string_view text) {
+    return number_in(std::string(text), 0, 1e6);
 }
 
 std::vector<std::string> chosen(const std::vector<std::string>& wanted, const std::vector<std::string>& known,
