@@ -12,7 +12,7 @@
 namespace bench {
 
 struct Computation {
-    std::string constant;   // key of the catalogue
+    std::string constant;   // key of the catalogue, an argument behind a colon
     std::string algorithm;  // keyword
     std::uint64_t digits;
     std::uint64_t tasks;
