@@ -5,6 +5,7 @@
 //   S = sum over k >= 1 of 1 / ((2k + 1) x^(2k)) = P/Q, with P(k) = 1, Q(k) = x^2 (2k + 1), R(k) = 2k + 1.
 //
 // A sum of several, as c1 ArcCoth(x1) + c2 ArcCoth(x2), is
+//   context.progress->heading("18 ArcCoth( 26 )");  // of the steps that follow
 //   OwnedBigFloat sum = sum_arccoth(context, x1, c1, p);
 //   const OwnedBigFloat term = sum_arccoth(context, x2, c2, p);
 //   OwnedBigFloat both(context.region, p + 3);
