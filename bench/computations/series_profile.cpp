@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "constants/euler_gamma.h"
 #include "constants/pi_formulas.h"
 #include "platform/timers.h"
 #include "series/bsr_engine.h"
@@ -79,14 +80,19 @@ class Profile {
     double checked_ = 0;
 };
 
+template <typename Series>
+void sum_blocks(Profile<Series>& profile, const qmp::PsrPlan& plan) {
+    for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
+        profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
+    }
+}
+
 std::vector<WorkKind> profile_pi(const kelvara::PiFormula& formula, std::uint64_t p) {
     const qmp::PsrPlan plan = qmp::build_psr_plan(formula.series, p, formula.reduced ? 0.5 : 1.0);
     const qmp::PlanSizes sizes = formula.series.SizesForPlan(plan, 0, 1);
     Profile<qmp::BSS_P2B3_Type0> profile(formula.series, qmp::psr_largest_product(formula.series, plan),
                                          sizes.exact_words);
-    for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
-        profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
-    }
+    sum_blocks(profile, plan);
     return profile.kinds();
 }
 
@@ -98,10 +104,23 @@ std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
     return profile.kinds();
 }
 
+std::vector<WorkKind> profile_gamma(bool refined, std::uint64_t p) {
+    const auto exponent = static_cast<std::int32_t>(kelvara::brent_mcmillan_exponent(p)) - (refined ? 1 : 0);
+    const qmp::Series_EulerGamma_BM_AB series(exponent);
+    const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, 1.0);
+    Profile<qmp::Series_EulerGamma_BM_AB> profile(series, series.largest_product(plan),
+                                                  series.SizesForPlan(plan, 0, 1).exact_words);
+    sum_blocks(profile, plan);
+    return profile.kinds();
+}
+
 }  // namespace
 
 std::vector<WorkKind> profile_series(const Computation& computation, std::uint64_t precision) {
     if (computation.constant == "e") return profile_e(computation.algorithm == "exp(-1)", precision);
+    if (computation.constant == "gamma") {
+        return profile_gamma(computation.algorithm == "brent-refined", precision);
+    }
     if (computation.constant != "pi") return {};
     static constexpr const char* keywords[] = {"chudnovsky", "ramanujan", "chudnovsky-reduced",
                                                "ramanujan-reduced"};

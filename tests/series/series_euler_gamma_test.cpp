@@ -301,8 +301,8 @@ TEST(EulerGammaFold, DoesNotDependOnTheTasks) {
 
 // The quotient of the folded sums, T / (Q (R + Q^2)), against the one of the exact sums.
 TEST(EulerGammaFold, KeepsThePrecision) {
-    for (const std::int32_t e : {5, 7, 8}) {
-        for (const std::uint64_t p : {110u, 150u}) {
+    for (const std::int32_t e : {8, 9}) {
+        for (const std::uint64_t p : {150u}) {
             const Series series(e);
             const PsrPlan plan = build_psr_plan(series, p, 1.0);
             EXPECT_GT(plan.blocks.size(), 2u);
