@@ -55,7 +55,7 @@ struct ChudnovskyKernel {
     }
     // One more bit and P takes three words; the following steps serve the largest computations.
     static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
-        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 23, 31, 39>(P, Q, R, a, b);
+        return qmp::leaf::sum_leaf<23, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
     }
 };
 
@@ -70,7 +70,7 @@ struct RamanujanKernel {
         Pi_Ramanujan_BSR_End_Q1(Q, k);
     }
     static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
-        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 27, 31, 39>(P, Q, R, a, b);
+        return qmp::leaf::sum_leaf<27, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
     }
 };
 
