@@ -8,7 +8,7 @@ declare -A packages=(
   [tests]="libgtest-dev libgmp-dev python3"
   [emulator]="bochs bochsbios vgabios binutils isolinux syslinux-common xorriso"
   [windows]="g++-mingw-w64-x86-64-posix wine64 wine googletest"
-  [bench]="libbenchmark-dev libgmp-dev"
+  [bench]="libbenchmark-dev libgmp-dev libmpfr-dev libflint-dev libflint-arb-dev"
 )
 
 wanted=()
