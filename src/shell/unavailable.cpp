@@ -26,6 +26,10 @@ void run_io_benchmark_action(CommandLine&) {
     run_io_analysis_menu();
 }
 
+void run_resumed_computation(const Checkpoint&) {
+    not_available("Resuming a computation");
+}
+
 void run_bbp_extractor() {
     not_available("The BBP digit extractor");
 }
