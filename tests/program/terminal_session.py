@@ -99,12 +99,15 @@ class Session:
     nothing; as its `leader` the program would find itself in a window of its own.
     """
 
-    def __init__(self, *arguments, columns=100, rows=400, environment=None, leader=False):
+    def __init__(self, *arguments, columns=100, rows=400, environment=None, leader=False,
+                 processors=None):
         self.seen = b""
         self._searched = 0
         self._ended = None
         self.pid, self.master = pty.fork()
         if self.pid == 0:
+            if processors:
+                os.sched_setaffinity(0, processors)
             fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
             if ON_WINDOWS:
                 tty.setraw(0)
@@ -162,6 +165,10 @@ class Session:
                 return
             if not self.read(deadline - time.monotonic()):
                 raise AssertionError(f"{text!r} did not appear in\n{self.text()}")
+
+    def searched_to_the_end(self):
+        """All that is shown counts as waited for."""
+        self._searched = len(self.text())
 
     def stands_at_coloured_prompt(self):
         """Whether the last that came is what was waited for, and behind it the colour of an answer."""
