@@ -207,6 +207,11 @@ class ConfigurationFiles(ProgramTest):
         self.assert_answer("FileException\n\nIn Function: read_file_bytes()\nError Code: 5\nPath: locked.ini\n\n"
                            "Unable to open file.", "locked.ini", **options)
 
+    @unittest.skipUnless(os.path.exists("/dev/zero"), "a device of Linux")
+    def test_a_file_without_an_end(self):
+        self.assert_answer("FileException\n\nIn Function: read_file_bytes()\nError Code: 223\n"
+                           "Path: /dev/./zero\n\nUnable to read file.", "/dev/./zero")
+
     # Its first page, which no process has.
     @unittest.skipUnless(os.path.exists("/proc/self/mem"), "a file of Linux")
     def test_a_file_that_breaks_while_it_is_read(self):
