@@ -9,7 +9,7 @@ declare -A packages=(
   [emulator]="bochs bochsbios vgabios binutils isolinux syslinux-common xorriso"
   [fuzz]="clang libclang-rt-dev"
   [windows]="g++-mingw-w64-x86-64-posix wine64 wine googletest"
-  [bench]="libbenchmark-dev libgmp-dev"
+  [bench]="libbenchmark-dev libgmp-dev libmpfr-dev libflint-dev libflint-arb-dev"
 )
 
 wanted=()

@@ -36,9 +36,6 @@ void run_bbp_extractor() {
 void run_ordalis() {
     not_available("Ordalis");
 }
-void run_log_formula_generator() {
-    not_available("The log formula generator");
-}
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");
 }

@@ -6,6 +6,7 @@ import unittest
 
 from installed_program import InstalledProgram
 from kelvara_program import ProgramTest
+from terminal_session import ON_WINDOWS
 
 # The path of the validator's file is an answer; this is where it is asked for.
 PROMPT = "Benchmark Validator\n\nEnter Path of Validation File:\n"
@@ -77,6 +78,7 @@ class ValidationFile(ProgramTest):
         self.assertIn("\nUnable to open validation file: missing.txt\nError Code 2: Path does not exist.\n",
                       self.validate("missing"))
 
+    @unittest.skipIf(ON_WINDOWS, "a process cannot stand in a folder that is gone")
     def test_where_nothing_can_be_written(self):
         locked = os.path.join(self.folder, "locked")
         os.mkdir(locked)
