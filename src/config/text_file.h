@@ -18,8 +18,9 @@ struct DecodedText {
 // does a byte without its other half at the end.
 DecodedText decode_text(std::string bytes);
 
-// The whole file. FileException "Unable to open file." or "Unable to read file.", with the path and the
-// system's code.
+// The whole file, as it is and decoded. FileException "Unable to open file." or "Unable to read file.", with
+// the path and the system's code.
+std::string read_file_bytes(const std::string& path);
 DecodedText read_text_file(const std::string& path);
 
 }  // namespace qmp
