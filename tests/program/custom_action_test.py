@@ -115,21 +115,6 @@ class Computing(ProgramTest):
 
 
 class Refusing(ProgramTest):
-    def test_digit_counts_outside_the_limits(self):
-        least = "Computation size must be at least 100 decimal digits."
-        most = "Computation size cannot be larger than 1,000,000,000,000,050 decimal digits."
-        self.assert_refused(least, "custom", "pi", "-dec:99")
-        self.assert_refused(least, "custom", "pi", "-dec:")
-        self.assert_refused(least, "custom", "e", "-hex:50")
-        self.assert_refused(most, "custom", "pi", "-dec:1001t")
-        self.assert_refused(most, "custom", "pi", "-hex:1001t")
-        self.assert_refused(most, "custom", "pi", "-dec:99999999999999999999999999")
-
-    def test_options_of_another_mode(self):
-        for option in ("-M:4G", "-minIO:1M", "-swap:x"):
-            key = option.split(":")[0]
-            self.assert_refused(f"Option {key} is not supported for this mode.", "custom", "pi", "-mode:ram", option)
-
     def test_unknown_words(self):
         self.assert_refused("Invalid Parameter: nonsense", "nonsense:1", exit_code=1)
         self.assert_refused("Invalid Parameter: -nonsense", "custom", "pi", "-nonsense:1", exit_code=1)
@@ -153,7 +138,6 @@ class Refusing(ProgramTest):
 
     def test_what_is_not_there_yet_says_so(self):
         self.assert_refused("Swap Mode is not available in this build yet.", "custom", "pi", "-mode:swap")
-        self.assert_refused("is not available in this build yet.", "custom", "zeta3", "-dec:100", "-o", self.folder)
 
     def test_more_than_the_memory_holds(self):
         for text in ("Large heap allocation failed.", "Failed Allocation: "):

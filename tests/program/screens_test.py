@@ -63,7 +63,7 @@ class MainMenu(unittest.TestCase):
             with Session() as session:
                 session.answer("option: ", choice)
                 if choice == "6":
-                    session.answer("option: ", "1")
+                    session.answer("option: ", "4")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
 
@@ -145,7 +145,7 @@ class AdvancedOptions(unittest.TestCase):
             self.open(session, "5")
             session.answer("option: ", "-1")
             session.answer("option: ", "99999999999999999999")
-            session.answer("option: ", "1")
+            session.answer("option: ", "4")
             self.assertEqual(session.end(), 0)
             self.assertEqual(session.text().count("option: "), 5)
 

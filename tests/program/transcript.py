@@ -6,7 +6,8 @@ a "#", and goes on with the screen to the letter:
     <P>Compute a Constant:           the colour letter stands where a line stops being white or changes its colour
     option: <T>«12»                  a typed line, here 12; «key» is one key at a pause
     [Linux] text, [Windows] text     a line of one system only
-    {bytes} {count} {...}            "1,048,576 (1.00 MiB)", a number, and anything at all, lines included
+    {bytes} {size}                   "1,048,576 (1.00 MiB)" and "1.00 MiB"
+    {count} {decimal} {...}          "1,048,576", "1.250", and anything at all, lines included
     option: «end»                    at the end: the input ends there, and with it the program
     [exit 0]                         at the end: the program ended by itself
 """
@@ -23,6 +24,7 @@ PLACEHOLDERS = {
     r"\{bytes\}": r"[0-9,]+ \([ 0-9.]+ (?:bytes|[KMGTPE]iB)\)",
     r"\{size\}": r"[ 0-9.]+ (?:bytes|[KMGTPE]iB)",
     r"\{count\}": r"[0-9,]+",
+    r"\{decimal\}": r"[0-9]+\.[0-9]{3}",
     r"\{\.\.\.\}": r"(?:.|\n)*?",
 }
 END_OF_INPUT = "There is no more input: the program ends here."
