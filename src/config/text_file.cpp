@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "errors/file_exception.h"
+#include "platform/os/error_codes.h"
 #include "platform/os/file.h"
 #include "platform/os/unicode.h"
 
@@ -40,13 +41,13 @@ DecodedText decode_text(std::string bytes) {
     return {std::move(bytes), "UTF-8"};
 }
 
-// To the end, whatever size the file claims to have.
 std::string read_file_bytes(const std::string& path) {
     constexpr std::size_t block = std::size_t{1} << 16;
     os::File file;
     const os::ErrorCode open_error = file.open(path);
     if (open_error != os::no_error)
         throw FileIO::FileException("read_file_bytes()", "Unable to open file.", path, open_error);
+    // To the end, whatever size the file claims to have.
     std::string bytes;
     for (;;) {
         const std::size_t done = bytes.size();
@@ -55,6 +56,9 @@ std::string read_file_bytes(const std::string& path) {
         if (transfer.error != os::no_error)
             throw FileIO::FileException("read_file_bytes()", "Unable to read file.", path, transfer.error);
         bytes.resize(done + transfer.bytes);
+        if (bytes.size() > largest_text_file)
+            throw FileIO::FileException("read_file_bytes()", "Unable to read file.", path,
+                                        os::file_too_large);
         if (transfer.bytes < block) return bytes;
     }
 }

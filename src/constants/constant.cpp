@@ -68,8 +68,4 @@ std::unique_ptr<RamComputation> Constant::make_ram_computation(std::uint64_t tas
     return algorithm_info() ? make_computation(tasks) : nullptr;
 }
 
-std::unique_ptr<RamComputation> Constant::make_computation(std::uint64_t) const {
-    throw qmp::InvalidParametersException("", full_name() + " is not available in this build yet.");
-}
-
 }  // namespace kelvara

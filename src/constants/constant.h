@@ -59,7 +59,7 @@ class Constant {
     virtual void set_size(std::uint64_t precision) { precision_ = precision; }
 
     // The computation in memory for the size set last; null when the algorithm index is out of range. Its
-    // memory estimate is ready. InvalidParametersException when this build cannot compute the constant.
+    // memory estimate is ready.
     std::unique_ptr<RamComputation> make_ram_computation(std::uint64_t tasks) const;
 
   protected:
@@ -71,7 +71,7 @@ class Constant {
     // The lines of an algorithm in the menu.
     virtual void print_menu_entry(std::uint32_t index) const;
     // Called with a valid algorithm index.
-    virtual std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const;
+    virtual std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const = 0;
 
   private:
     const ConstantInfo& info_;

@@ -18,11 +18,13 @@ std::size_t row_of(std::uint64_t prime) {
 }
 
 bool add_basis(LogTermList& terms, const LogTermList& queue, const LogBasis& basis) {
+    std::array<std::int64_t, LogBasis::largest> sums = {};
     for (const auto& [prime, w] : queue.entries()) {
         const auto& row = basis.rows[row_of(prime)];
-        for (std::size_t j = 0; j < basis.size; j++) {
-            if (!terms.add(basis.x[j], row[j] * w)) return false;
-        }
+        for (std::size_t j = 0; j < basis.size; j++) sums[j] += row[j] * w;
+    }
+    for (std::size_t j = 0; j < basis.size; j++) {
+        if (!terms.add(basis.x[j], sums[j])) return false;
     }
     return true;
 }
@@ -35,10 +37,10 @@ bool shares_a_term(const LogTermList& terms, const LogFormula* excluded) {
 
 }  // namespace
 
-LogCandidate finished_log_formula(const LogTermList& terms, double X) {
+LogCandidate finished_log_formula(const LogTermList& terms, const ArcCothCosts& cost) {
     LogCandidate candidate = {0, terms};
     for (const auto& [x, c] : terms.entries()) {
-        if (c != 0) candidate.cost += arccoth_cost(x, X);
+        if (c != 0) candidate.cost += cost(x);
     }
     return candidate;
 }
@@ -52,7 +54,7 @@ bool add_record(LogTermList& terms, const LogRecord& formula, std::int64_t multi
 
 LogCandidate finish_log_formula(const LogTermList& F, const LogTermList& Q, std::uint64_t base,
                                 const LogSearchSetting& setting) {
-    if (Q.empty()) return finished_log_formula(F, setting.X);
+    if (Q.empty()) return finished_log_formula(F, setting.cost);
     const LogTermList::Entry& last = Q.entries().back();
     if (last.key > log_primes[base - 1]) qmp::console::fatal_error("Non-base prime found in queue.");
 
@@ -60,11 +62,11 @@ LogCandidate finish_log_formula(const LogTermList& F, const LogTermList& Q, std:
     const LogRecord* record = setting.tables.formula_of(last.key);
     if (Q.entries().size() == 1 && last.value % 2 == 0 && record) {
         if (!add_record(terms, *record, last.value / 2)) return {};
-        return finished_log_formula(terms, setting.X);
+        return finished_log_formula(terms, setting.cost);
     }
     if (!add_basis(terms, Q, setting.tables.basis(basis_size(last.key)))) return {};
     if (shares_a_term(terms, setting.excluded)) return {};
-    return finished_log_formula(terms, setting.X);
+    return finished_log_formula(terms, setting.cost);
 }
 
 }  // namespace kelvara

@@ -23,12 +23,16 @@ const char* generate_one(LogFormula& out, const char* title, std::uint64_t n, do
     const qmp::CounterTimePoint start = qmp::now();
     const double cost = search_log_formula(out, n, X, exclude);
     console::println(console::format_fixed(qmp::seconds_between(qmp::now(), start), 3) + " seconds");
-    if (cost >= no_formula_cost) return "Unable to derive formula.";
-    if (!verify_log_formula(out, n)) return "Unable to verify correctness of formula.";
-    return nullptr;
+    return log_formula_failure(out, n, cost);
 }
 
 }  // namespace
+
+const char* log_formula_failure(const LogFormula& formula, std::uint64_t n, double cost) {
+    if (cost >= no_formula_cost) return "Unable to derive formula.";
+    if (!verify_log_formula(formula, n)) return "Unable to verify correctness of formula.";
+    return nullptr;
+}
 
 const char* generate_log_formulas(LogFormulas& out, std::uint64_t n, double X) {
     static std::map<std::uint64_t, LogFormulas> generated;

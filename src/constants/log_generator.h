@@ -9,6 +9,10 @@
 
 namespace kelvara {
 
+// What forbids to use a formula of ln n that a search found at this cost: "Unable to derive formula." when it
+// found none, "Unable to verify correctness of formula."; null for nothing.
+const char* log_formula_failure(const LogFormula& formula, std::uint64_t n, double cost);
+
 // Two formulas of ln n for a precision of X natural units. Prints what it does and how long that takes,
 // unless they have been generated before: then they are those of then, whatever X is. Null on success,
 // otherwise what went wrong: "Unable to derive formula." or "Unable to verify correctness of formula.". n = 0

@@ -39,16 +39,44 @@ Replacement replacement(std::size_t move, std::uint64_t v) {
     }
 }
 
-// How often p divides v, which is left without it.
-std::int64_t divide_out(std::uint64_t& v, std::uint64_t p) {
+// Whether a prime divides v, without a division: modulo 2^64 the multiples of an odd p are p times 0 ..
+// limit, so the product with the inverse of p is at most the limit for them alone.
+class DivisionTest {
+  public:
+    constexpr explicit DivisionTest(std::uint64_t odd) : limit_(UINT64_MAX / odd) {
+        for (int i = 0; i < 6; i++) inverse_ *= 2 - odd * inverse_;
+    }
+    constexpr DivisionTest() = default;
+    constexpr bool divides(std::uint64_t v) const { return v * inverse_ <= limit_; }
+
+  private:
+    std::uint64_t inverse_ = 1;
+    std::uint64_t limit_ = 0;
+};
+
+constexpr auto division_tests = [] {
+    std::array<DivisionTest, log_prime_count> tests;
+    for (std::size_t i = 1; i < log_prime_count; i++) tests[i] = DivisionTest(log_primes[i]);
+    return tests;
+}();
+
+// For prime number i and v > 0.
+bool prime_divides(std::size_t i, std::uint64_t v) {
+    return i == 0 ? v % 2 == 0 : division_tests[i].divides(v);
+}
+
+// How often prime number i divides v > 0, which is left without it.
+std::int64_t divide_out(std::uint64_t& v, std::size_t i) {
     std::int64_t times = 0;
-    for (; v % p == 0; v /= p) times++;
+    for (; prime_divides(i, v); v /= log_primes[i]) times++;
     return times;
 }
 
 class Heuristic {
   public:
-    Heuristic(std::uint64_t base, const LogSearchSetting& setting) : base_(base), setting_(setting) {}
+    Heuristic(std::uint64_t base, const LogSearchSetting& setting) : base_(base), setting_(setting) {
+        for (std::size_t i = base; i < log_prime_count; i++) relations_[i] = widest_relation(log_primes[i]);
+    }
 
     LogCandidate run(std::uint64_t n) const {
         const State start = {{}, {}, n, 0};
@@ -65,12 +93,12 @@ class Heuristic {
         if (found.cost < best.cost && found.cost < bound) best = found;
     }
 
-    // Whether one of the primes from number `first` up to `end` divides v.
-    static bool has_prime(std::uint64_t v, std::size_t first, std::size_t end) {
+    // The number of the first prime from `first` up to `end` that divides v; `end` when none does.
+    static std::size_t first_prime(std::uint64_t v, std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end && v >= log_primes[i]; i++) {
-            if (v % log_primes[i] == 0) return true;
+            if (prime_divides(i, v)) return i;
         }
-        return false;
+        return end;
     }
 
     LogCandidate finish(const State& s) const { return finish_log_formula(s.F, s.Q, base_, setting_); }
@@ -78,7 +106,7 @@ class Heuristic {
     // Moves the base primes of the cofactor to the queue. False when the queue is full.
     bool reduce(State& s) const {
         for (std::size_t i = 0; i < base_ && s.v >= log_primes[i]; i++) {
-            const std::int64_t times = divide_out(s.v, log_primes[i]);
+            const std::int64_t times = divide_out(s.v, i);
             if (times > 0 && !s.Q.add(log_primes[i], 2 * times)) return false;
         }
         return true;
@@ -86,7 +114,7 @@ class Heuristic {
 
     // Every state has to divide something out of its cofactor: so cofactors shrink, and the search ends.
     LogCandidate state_step(const State& before, double bound) const {
-        if (before.g > bound || !has_prime(before.v, 0, base_)) return {};
+        if (before.g > bound || first_prime(before.v, 0, base_) == base_) return {};
         State s = before;
         if (!reduce(s)) return {};
         if (s.v == 1) return finish(s);
@@ -110,7 +138,7 @@ class Heuristic {
         const auto [x, c, v] = replacement(move, s.v);
         if (x < 2 || x >= log_argument_limit || v == 0) return {};
         if (setting_.excluded && setting_.excluded->has_argument(x)) return {};
-        const double g = s.g + arccoth_cost(x, setting_.X);
+        const double g = s.g + setting_.cost(x);
         if (g > bound) return {};
         State after = {s.F, s.Q, v, g};
         if (!after.F.add(x, c)) return {};
@@ -125,34 +153,35 @@ class Heuristic {
     }
 
     LogCandidate relation_move(const State& before, double bound) const {
-        if (before.g > bound || !has_prime(before.v, base_, log_prime_count)) return {};
+        if (before.g > bound) return {};
+        std::size_t i = first_prime(before.v, base_, log_prime_count);
+        if (i == log_prime_count) return {};
         State s = before;
-        for (std::size_t i = base_; i < log_prime_count && s.v >= log_primes[i]; i++) {
-            if (s.v % log_primes[i] == 0) use_relation(s, log_primes[i]);
+        for (; i < log_prime_count; i = first_prime(s.v, i + 1, log_prime_count)) {
+            if (relations_[i]) use_relation(s, i);
         }
         if (s.v == before.v || s.g > bound) return {};
         if (s.v == 1) return finish(s);
         return replacement_moves(s, bound);
     }
 
-    // Replaces the prime p in the cofactor by a relation; leaves everything as it is when there is none that
-    // the base and the lists allow.
-    void use_relation(State& s, std::uint64_t p) const {
-        const LogRecord* relation = widest_relation(p);
-        if (!relation) return;
+    // Replaces prime number i in the cofactor by its relation; leaves everything as it is when the lists have
+    // no room for that.
+    void use_relation(State& s, std::size_t i) const {
+        const LogRecord& relation = *relations_[i];
         State after = s;
-        const std::int64_t times = divide_out(after.v, p);
-        if (!after.F.add(relation->x[0], relation->c[0] * times)) return;
-        for (std::size_t j = 1; j <= relation->count; j++) {
-            if (!after.Q.add(relation->x[j], relation->c[j] * times)) return;
+        const std::int64_t times = divide_out(after.v, i);
+        if (!after.F.add(relation.x[0], relation.c[0] * times)) return;
+        for (std::size_t j = 1; j <= relation.count; j++) {
+            if (!after.Q.add(relation.x[j], relation.c[j] * times)) return;
         }
-        const double cost = arccoth_cost(relation->x[0], setting_.X);
+        const double cost = setting_.cost(relation.x[0]);
         if (cost >= no_formula_cost) return;
         after.g += cost;
         s = after;
     }
 
-    // The last of the prime's relations within the base.
+    // The last of a prime's relations within the base; null when there is none.
     const LogRecord* widest_relation(std::uint64_t p) const {
         const LogRecord* chosen = nullptr;
         for (const LogRecord& relation : setting_.tables.relations_of(p)) {
@@ -164,6 +193,7 @@ class Heuristic {
 
     std::uint64_t base_;
     const LogSearchSetting& setting_;
+    std::array<const LogRecord*, log_prime_count> relations_ = {};  // of the primes beyond the base
 };
 
 LogFormula without_zeros(const LogTermList& terms) {
@@ -187,7 +217,7 @@ double search_log_formula(LogFormula& out, std::uint64_t n, const LogSearchSetti
 
     LogCandidate best;
     const LogRecord* record = setting.tables.formula_of(n);
-    if (record && add_record(best.terms, *record, 1)) best = finished_log_formula(best.terms, setting.X);
+    if (record && add_record(best.terms, *record, 1)) best = finished_log_formula(best.terms, setting.cost);
     const double table_cost = best.cost;
     for (std::uint64_t base = smallest_log_basis; base <= largest_log_basis; base++) {
         const LogCandidate found = heuristic_search(n, base, setting);

@@ -5,6 +5,7 @@
 // set gives their logarithms. Pure but for the warnings named below; main thread only for these.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "constants/log_formula.h"
@@ -21,9 +22,30 @@ struct LogCandidate {
     bool found() const { return cost < no_formula_cost; }
 };
 
+// arccoth_cost for one precision, which remembers the arguments that come again and again.
+class ArcCothCosts {
+  public:
+    ArcCothCosts(double X) : X_(X) {}
+    double operator()(std::uint64_t x) const {
+        Known& known = known_[x % size];
+        if (known.x != x) known = {x, arccoth_cost(x, X_)};
+        return known.cost;
+    }
+
+  private:
+    static constexpr std::size_t size = 251;
+
+    struct Known {
+        std::uint64_t x = 0;  // no argument
+        double cost = 0;
+    };
+    double X_;
+    mutable std::array<Known, size> known_;
+};
+
 // The circumstances of one search.
 struct LogSearchSetting {
-    double X;  // the precision in natural units
+    ArcCothCosts cost;  // made from the precision in natural units
     const LogTables& tables;
     const LogFormula* excluded;  // the formula to differ from; null for none
 };
@@ -45,7 +67,7 @@ LogCandidate finish_log_formula(const LogTermList& F, const LogTermList& Q, std:
                                 const LogSearchSetting& setting);
 
 // The terms as they are, with their cost.
-LogCandidate finished_log_formula(const LogTermList& terms, double X);
+LogCandidate finished_log_formula(const LogTermList& terms, const ArcCothCosts& cost);
 
 // Adds `multiple` times a formula of the tables. False when there is no room for it; the terms are then of no
 // use.

@@ -13,6 +13,9 @@ class LogTermList {
   public:
     static constexpr std::size_t capacity = 16;
 
+    // Searches make many of them: the entries are left as they are found.
+    LogTermList() {}
+
     struct Entry {
         std::uint64_t key;
         std::int64_t value;

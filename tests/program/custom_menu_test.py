@@ -1,5 +1,6 @@
 """What the menu "Custom Compute a Constant" of the real program does; transcripts_test.py has its screens."""
 
+import math
 import os
 import unittest
 
@@ -37,7 +38,7 @@ class CustomMenu(ProgramTest):
         self.assertEqual(session.end(), 1)
         self.assertIn("There is no more input: the program ends here.", session.text())
 
-    def test_a_constant_that_cannot_be_computed_cannot_be_started(self):
+    def test_a_square_root_is_computed_of_what_is_no_square(self):
         with self.menu() as session:
             session.answer("option: ", "1")
             session.answer("option: ", "0")
@@ -45,12 +46,13 @@ class CustomMenu(ProgramTest):
             session.answer("n = ", "15")
             session.wait_for("Start Computation!")
             self.assertEqual(self.shown(session, "Constant:"), "Sqrt(15)")
-            self.assertIn("Sqrt(15) is not available in this build yet.", session.text())
+            self.choose(session, "3", ("Digits: ", "100"))
+            self.choose(session, "5", ("Path: ", self.folder))
             session.answer("option: ", "0")
-            session.answer("option: ", "")
-            self.choose(session, "12")
-            self.leave(session)
-            self.assertNotIn("Begin Computation", session.text())
+            self.assertEqual(session.end(), 0)
+            self.assertIn("This number is a perfect square.", session.text())
+        digits = self.files()["Sqrt(15) - Dec - Newton.txt"].decode()
+        self.assertEqual(int(digits.replace(".", "")), math.isqrt(15 * 10**200))
 
     def test_the_output_path(self):
         with self.menu() as session:

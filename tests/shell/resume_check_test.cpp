@@ -62,6 +62,14 @@ TEST_F(ResumeCheck, WithoutTheFileNothingIsSaid) {
     EXPECT_NE(end.output.find("acted"), std::string::npos) << end.output;
 }
 
+// What a crash between two steps of a commit leaves is complete, but its user has to rename it.
+TEST_F(ResumeCheck, ANewFileByItselfIsNotLookedFor) {
+    const std::string name = "Kelvara Checkpoint File (new).txt";
+    std::ofstream(folder_.native(name), std::ios::binary) << checkpoint(program_version());
+    EXPECT_NE(start().output.find("acted"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(folder_.native(name)));
+}
+
 TEST_F(ResumeCheck, AGoodFileIsLeftForABuildThatCanResumeIt) {
     expect_refused(checkpoint(program_version()),
                    "\nException Encountered: InvalidParametersException\n\n"
