@@ -5,7 +5,7 @@
 #include <fstream>
 #include <memory>
 
-#include "constants/catalogue.h"
+#include "constant_name.h"
 #include "digests.h"
 #include "platform/os/memory.h"
 #include "quiet_output.h"
@@ -13,7 +13,6 @@
 #include "resident.h"
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
-#include "support/arguments.h"
 #include "unit.h"
 
 namespace bench {
@@ -44,16 +43,8 @@ class PassingFolder {
     std::filesystem::path folder_;
 };
 
-// "pi", or with the argument behind a colon "sqrt:2".
-std::unique_ptr<kelvara::Constant> named_constant(const std::string& name) {
-    const std::size_t colon = name.find(':');
-    auto constant = kelvara::make_constant(kelvara::constant_id(name.substr(0, colon)));
-    if (colon != std::string::npos) constant->set_argument(number(name.substr(colon + 1)));
-    return constant;
-}
-
 void set_up(RamSettings& settings, const Computation& computation, const std::string& folder) {
-    settings.set_constant(named_constant(computation.constant));
+    settings.set_constant(make_constant(computation.constant));
     settings.set_algorithm(computation.algorithm);
     settings.set_decimal_digits(computation.digits);
     settings.set_hexadecimal_digits(0);
@@ -111,16 +102,6 @@ Figures figures_of(const kelvara::SessionRecord& record, double unit, StepTimes&
 }
 
 }  // namespace
-
-std::string first_algorithm(const std::string& constant) {
-    return named_constant(constant)->info().algorithms[0].keyword;
-}
-
-bool has_algorithm(const std::string& constant, const std::string& algorithm) {
-    const auto made = named_constant(constant);
-    return std::any_of(made->info().algorithms.begin(), made->info().algorithms.end(),
-                       [&](const kelvara::AlgorithmInfo& info) { return algorithm == info.keyword; });
-}
 
 std::optional<Result> run(const Computation& computation, std::uint64_t runs, const std::string& folder,
                           const std::vector<std::uint64_t>& digit_counts) {

@@ -21,8 +21,6 @@ using qmp::Word;
 namespace {
 
 constexpr std::uint64_t output_words = 3;
-constexpr std::uint64_t size_margin = 19;
-constexpr std::uint64_t leaf_size = 8;
 
 constexpr Word fourth_power(std::uint64_t x) {
     return x * x * (x * x);
@@ -37,7 +35,7 @@ qmp::SeriesCost cost_of(ArcSinlemnArgument x) {
 
 struct ArcSinlemnKernel {
     static constexpr std::uint64_t words = output_words;
-    static constexpr std::uint64_t longest_range = leaf_size - 1;
+    static constexpr std::uint64_t longest_range = 7;
     Word p4;
     Word q4;
 
@@ -63,7 +61,7 @@ bool sum_leaf(Word p4, Word q4, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std
 }  // namespace
 
 ArcSinlemnSeries::ArcSinlemnSeries(ArcSinlemnArgument x)
-    : BSS_P2B3_Type0(false, size_margin, leaf_size, cost_of(x)),
+    : BSS_P2B3_Type0(false, 19, ArcSinlemnKernel::longest_range + 1, cost_of(x)),
       p4_(fourth_power(x.p)),
       q4_(fourth_power(x.q)) {}
 
