@@ -13,6 +13,7 @@
 #include "resident.h"
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
+#include "support/arguments.h"
 #include "unit.h"
 
 namespace bench {
@@ -43,9 +44,15 @@ class PassingFolder {
     std::filesystem::path folder_;
 };
 
+std::unique_ptr<kelvara::Constant> make_named(const std::string& name) {
+    const std::size_t colon = name.find(':');
+    auto made = kelvara::make_constant(kelvara::constant_id(name.substr(0, colon)));
+    if (colon != std::string::npos) made->set_argument(number(name.substr(colon + 1)));
+    return made;
+}
+
 void set_up(RamSettings& settings, const Computation& computation, const std::string& folder) {
-    settings.set_constant(kelvara::make_constant(kelvara::constant_id(computation.constant)));
-    settings.set_algorithm(computation.algorithm);
+    settings.set_constant(make_configured(computation));
     settings.set_decimal_digits(computation.digits);
     settings.set_hexadecimal_digits(0);
     settings.set_task_decomposition(computation.tasks);
@@ -103,12 +110,18 @@ Figures figures_of(const kelvara::SessionRecord& record, double unit, StepTimes&
 
 }  // namespace
 
+std::unique_ptr<kelvara::Constant> make_configured(const Computation& computation) {
+    auto made = make_named(computation.constant);
+    made->set_algorithm_keyword(computation.algorithm);
+    return made;
+}
+
 std::string first_algorithm(const std::string& constant) {
-    return kelvara::make_constant(kelvara::constant_id(constant))->info().algorithms[0].keyword;
+    return make_named(constant)->info().algorithms[0].keyword;
 }
 
 bool has_algorithm(const std::string& constant, const std::string& algorithm) {
-    const auto made = kelvara::make_constant(kelvara::constant_id(constant));
+    const auto made = make_named(constant);
     return std::any_of(made->info().algorithms.begin(), made->info().algorithms.end(),
                        [&](const kelvara::AlgorithmInfo& info) { return algorithm == info.keyword; });
 }

@@ -3,16 +3,18 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "constants/constant.h"
 #include "step_times.h"
 
 namespace bench {
 
 struct Computation {
-    std::string constant;   // key of the catalogue
+    std::string constant;   // key of the catalogue, with its argument: pi, arccoth:26
     std::string algorithm;  // keyword
     std::uint64_t digits;
     std::uint64_t tasks;
@@ -34,6 +36,8 @@ struct Figures {
     StepTimes steps;
 
     double in_units() const { return seconds / unit; }
+    // Without the output.
+    double computing_in_units() const { return (seconds - output) / unit; }
 };
 
 struct Prefix {
@@ -50,6 +54,9 @@ struct Result {
     Figures median;                // the run with the median time in U
 };
 
+// The constant of a computation, with its argument and algorithm. qmp::InvalidParametersException for what
+// does not exist.
+std::unique_ptr<kelvara::Constant> make_configured(const Computation& computation);
 // The keyword of a constant's first algorithm, and whether it has one. qmp::InvalidParametersException for
 // constants that do not exist.
 std::string first_algorithm(const std::string& constant);

@@ -58,7 +58,7 @@ void print_help() {
         "\n"
         "  --digits=LIST      decimal digits, as 1e6,25e6 (these)\n"
         "  --tasks=LIST       task counts (1,2)\n"
-        "  --constants=LIST   keys of constants, as pi,e (pi)\n"
+        "  --constants=LIST   keys of constants, as pi,zeta3,arccoth:26 (pi)\n"
         "  --algorithms=LIST  keywords, as chudnovsky,ramanujan,exp(1) (the first one of each constant)\n"
         "  --levels=LIST      instruction-set levels, as \"AVX-512,AVX2\" (the best one)\n"
         "  --runs=N           runs of each computation, of which the median counts (3)\n"
