@@ -5,7 +5,7 @@
 #include <fstream>
 #include <memory>
 
-#include "constants/catalogue.h"
+#include "constant_name.h"
 #include "digests.h"
 #include "platform/os/memory.h"
 #include "quiet_output.h"
@@ -13,7 +13,6 @@
 #include "resident.h"
 #include "sessions/ram_session.h"
 #include "sessions/ram_settings.h"
-#include "support/arguments.h"
 #include "unit.h"
 
 namespace bench {
@@ -44,15 +43,9 @@ class PassingFolder {
     std::filesystem::path folder_;
 };
 
-std::unique_ptr<kelvara::Constant> make_named(const std::string& name) {
-    const std::size_t colon = name.find(':');
-    auto made = kelvara::make_constant(kelvara::constant_id(name.substr(0, colon)));
-    if (colon != std::string::npos) made->set_argument(number(name.substr(colon + 1)));
-    return made;
-}
-
 void set_up(RamSettings& settings, const Computation& computation, const std::string& folder) {
-    settings.set_constant(make_configured(computation));
+    settings.set_constant(make_constant(computation.constant));
+    settings.set_algorithm(computation.algorithm);
     settings.set_decimal_digits(computation.digits);
     settings.set_hexadecimal_digits(0);
     settings.set_task_decomposition(computation.tasks);
@@ -109,22 +102,6 @@ Figures figures_of(const kelvara::SessionRecord& record, double unit, StepTimes&
 }
 
 }  // namespace
-
-std::unique_ptr<kelvara::Constant> make_configured(const Computation& computation) {
-    auto made = make_named(computation.constant);
-    made->set_algorithm_keyword(computation.algorithm);
-    return made;
-}
-
-std::string first_algorithm(const std::string& constant) {
-    return make_named(constant)->info().algorithms[0].keyword;
-}
-
-bool has_algorithm(const std::string& constant, const std::string& algorithm) {
-    const auto made = make_named(constant);
-    return std::any_of(made->info().algorithms.begin(), made->info().algorithms.end(),
-                       [&](const kelvara::AlgorithmInfo& info) { return algorithm == info.keyword; });
-}
 
 std::optional<Result> run(const Computation& computation, std::uint64_t runs, const std::string& folder,
                           const std::vector<std::uint64_t>& digit_counts) {

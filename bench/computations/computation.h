@@ -3,18 +3,16 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "constants/constant.h"
 #include "step_times.h"
 
 namespace bench {
 
 struct Computation {
-    std::string constant;   // key of the catalogue, with its argument: pi, arccoth:26
+    std::string constant;   // as make_constant takes it
     std::string algorithm;  // keyword
     std::uint64_t digits;
     std::uint64_t tasks;
@@ -36,8 +34,7 @@ struct Figures {
     StepTimes steps;
 
     double in_units() const { return seconds / unit; }
-    // Without the output.
-    double computing_in_units() const { return (seconds - output) / unit; }
+    double value_in_units() const { return (seconds - output) / unit; }
 };
 
 struct Prefix {
@@ -53,14 +50,6 @@ struct Result {
     std::vector<Prefix> prefixes;  // the same of the file cut after fewer digits
     Figures median;                // the run with the median time in U
 };
-
-// The constant of a computation, with its argument and algorithm. qmp::InvalidParametersException for what
-// does not exist.
-std::unique_ptr<kelvara::Constant> make_configured(const Computation& computation);
-// The keyword of a constant's first algorithm, and whether it has one. qmp::InvalidParametersException for
-// constants that do not exist.
-std::string first_algorithm(const std::string& constant);
-bool has_algorithm(const std::string& constant, const std::string& algorithm);
 
 // Runs it `runs` times; nothing when it does not fit into the memory that is available. The digit file of the
 // last run is read, also up to those of the ascending digit counts that are smaller; every file is deleted.

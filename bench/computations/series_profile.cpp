@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "constant_name.h"
 #include "constants/arccoth_series.h"
 #include "constants/catalan_huvent.h"
 #include "constants/catalan_lupas.h"
@@ -119,7 +120,8 @@ std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
 }  // namespace
 
 std::vector<WorkKind> profile_series(const Computation& computation, std::uint64_t precision) {
-    const auto made = make_configured(computation);
+    const auto made = make_constant(computation.constant);
+    made->set_algorithm_keyword(computation.algorithm);
     const std::uint32_t algorithm = made->algorithm();
     switch (made->id()) {
         case kelvara::id_e:

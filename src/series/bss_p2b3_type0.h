@@ -17,9 +17,11 @@ class BSS_P2B3_Type0 : public CostedSeries {
     static constexpr std::size_t output_count = 3;
     static constexpr std::size_t buffer_count = 4;
     using Buffers = std::array<ExactFloat, buffer_count>;
+    // The running values of a plan: P and Q.
+    static constexpr std::size_t running_count = 2;
     static constexpr const char* psr_function = "BSS_P2B3_Type0::B_PSR()";
 
-    // A range of fewer than leaf_size terms. BufferTooSmallException in the kernel's name.
+    // A range of up to longest_leaf terms. BufferTooSmallException in the kernel's name.
     virtual void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext& scratch,
                          std::uint64_t a, std::uint64_t b) const = 0;
 

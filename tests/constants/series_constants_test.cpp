@@ -21,6 +21,7 @@
 #include "support/computation_memory.h"
 #include "support/hexadecimal_fraction.h"
 #include "support/reference_digits.h"
+#include "support/sanitized.h"
 #ifdef KELVARA_HAVE_GMP
 #include <gmp.h>
 #endif
@@ -109,6 +110,20 @@ TEST(SeriesConstants, AlgorithmsAgree) {
             }
             EXPECT_EQ(digits[0], digits[1]) << algorithms[i].reference << ", " << p << " words";
         }
+    }
+}
+
+TEST(SeriesConstants, AlgorithmsAgreeInAMillionDigits) {
+    if (kelvara_test::sanitized) GTEST_SKIP() << "too slow under sanitizers";
+    const std::uint64_t p = precision_for_digits(1'000'000);
+    const auto framework = qmp::make_parallelizer("pushpool");
+    for (std::size_t i = 2; i < std::size(algorithms); i += 2) {
+        std::string digits[2];
+        for (std::size_t j = 0; j < 2; j++) {
+            const Algorithm& a = algorithms[i + j];
+            digits[j] = digits_of(*computation(a, p, 2), {2, framework.get()}, 16 * p - 4, a.integer_part);
+        }
+        EXPECT_TRUE(digits[0] == digits[1]) << algorithms[i].reference;
     }
 }
 

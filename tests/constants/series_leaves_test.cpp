@@ -96,7 +96,7 @@ void expect_leaf(const Leaves& leaves, std::uint64_t a, std::uint64_t b) {
 
 TEST(SeriesLeaves, EqualTheSumsFromTheFirstTermOn) {
     for (const Leaves& leaves : all_leaves()) {
-        for (std::uint64_t n = 1; n < leaves.series->leaf_size; n++) {
+        for (std::uint64_t n = 1; n <= leaves.series->longest_leaf; n++) {
             for (std::uint64_t a = 0; a < 10; a++) expect_leaf(leaves, a, a + n);
         }
     }
@@ -105,7 +105,7 @@ TEST(SeriesLeaves, EqualTheSumsFromTheFirstTermOn) {
 // The largest values of every code, the first ones of the next, and the general path beyond.
 TEST(SeriesLeaves, EqualTheSumsAroundEveryPowerOfTwo) {
     for (const Leaves& leaves : all_leaves()) {
-        const std::uint64_t longest = leaves.series->leaf_size - 1;
+        const std::uint64_t longest = leaves.series->longest_leaf;
         for (std::uint64_t n = 1; n <= longest;
              n += n < longest ? std::min<std::uint64_t>(2, longest - n) : 1) {
             for (int bits = 5; bits <= 40; bits++) {
@@ -120,7 +120,7 @@ TEST(SeriesLeaves, EqualTheSumsAtRandom) {
     kelvara_test::Random random;
     for (const Leaves& leaves : all_leaves()) {
         for (std::uint64_t round = 0; round < 100 * kelvara_test::multiplier(); round++) {
-            const std::uint64_t n = random.between(1, leaves.series->leaf_size - 1);
+            const std::uint64_t n = random.between(1, leaves.series->longest_leaf);
             const std::uint64_t a = random.next() >> random.between(64 - 44, 63);
             expect_leaf(leaves, a, a + n);
         }
@@ -145,7 +145,7 @@ TEST(SeriesLeaves, ShortBuffersAreRefused) {
     const qmp::MultiplyContext none(qmp::ParallelContext::sequential(), nullptr, nullptr, 0);
     for (const Leaves& leaves : all_leaves()) {
         SCOPED_TRACE(leaves.name);
-        const std::uint64_t n = leaves.series->leaf_size - 1;
+        const std::uint64_t n = leaves.series->longest_leaf;
         const std::uint64_t a = 1000000;
         const TermIntegers sum = sum_of(leaves, a, a + n);
         std::uint64_t errors = 0;

@@ -126,14 +126,5 @@ TEST_F(SavedComputation, FilesOfOtherActionsAreRefused) {
               "Invalid Action: customcompute");
 }
 
-TEST_F(SavedComputation, WhatThisBuildCannotComputeIsNotRun) {
-    RamSettings settings;
-    settings.set_constant(make_constant(id_catalan));
-    save(settings, "catalan");
-    EXPECT_EQ(load("catalan"), write_settings(settings).to_text(0));
-    EXPECT_EQ(message_of<qmp::InvalidParametersException>([] { run_configuration("catalan"); }),
-              "Cannot run computation with these parameters.");
-}
-
 }  // namespace
 }  // namespace kelvara
