@@ -170,14 +170,5 @@ TEST(MemoryMenu, ChoosesAnAllocatorAndItsOwnOptions) {
 }
 
 // What a constant needs that this build cannot compute is not known.
-TEST(Menus, OfConstantsThatCannotBeComputedSaySo) {
-    RamSettings settings;
-    settings.set_constant(make_constant(id_lemniscate));
-    const char* text = "Lemniscate Constant is not available in this build yet.";
-    EXPECT_EQ(message_of<qmp::InvalidParametersException>([&] { edit_memory(settings); }), text);
-    EXPECT_EQ(message_of<qmp::InvalidParametersException>([&] { ask_mode(settings); }), text);
-    EXPECT_FALSE(settings.can_run());
-}
-
 }  // namespace
 }  // namespace kelvara
