@@ -8,6 +8,7 @@
 #include "constants/catalan_huvent.h"
 #include "constants/catalan_lupas.h"
 #include "constants/catalogue.h"
+#include "constants/euler_gamma.h"
 #include "constants/lemniscate_series.h"
 #include "constants/pi_formulas.h"
 #include "constants/zeta3_series.h"
@@ -87,13 +88,18 @@ class Profile {
 };
 
 template <typename Series>
+void sum_blocks(Profile<Series>& profile, const qmp::PsrPlan& plan) {
+    for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
+        profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
+    }
+}
+
+template <typename Series>
 std::vector<WorkKind> profile_plan(const Series& series, std::uint64_t p, double factor = 1.0) {
     const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, factor);
     const qmp::PlanSizes sizes = series.SizesForPlan(plan, 0, 1);
     Profile<Series> profile(series, qmp::psr_largest_product(series, plan), sizes.exact_words);
-    for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
-        profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
-    }
+    sum_blocks(profile, plan);
     return profile.kinds();
 }
 
@@ -114,6 +120,16 @@ std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
     Profile<qmp::Series_e_Taylor> profile(series, 2 * (p / 2 + series.size_margin),
                                           qmp::BSR_sizes(series, p, 1, 1).words);
     profile.sum(1, series.TermsForPrecision(p), 1);
+    return profile.kinds();
+}
+
+std::vector<WorkKind> profile_gamma(bool refined, std::uint64_t p) {
+    const auto exponent = static_cast<std::int32_t>(kelvara::brent_mcmillan_exponent(p)) - (refined ? 1 : 0);
+    const qmp::Series_EulerGamma_BM_AB series(exponent);
+    const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, 1.0);
+    Profile<qmp::Series_EulerGamma_BM_AB> profile(series, series.largest_product(plan),
+                                                  series.SizesForPlan(plan, 0, 1).exact_words);
+    sum_blocks(profile, plan);
     return profile.kinds();
 }
 
@@ -139,6 +155,8 @@ std::vector<WorkKind> profile_series(const Computation& computation, std::uint64
         case kelvara::id_catalan:
             if (algorithm == 1) return profile_plan(kelvara::catalan_huvent_series(), precision);
             return profile_plan(kelvara::catalan_lupas_formula().series, precision);
+        case kelvara::id_euler_gamma:
+            return profile_gamma(algorithm == 0, precision);
         default:
             return {};
     }

@@ -56,7 +56,7 @@ void StepTimes::count() {
 }
 
 std::string StepTimes::part() const {
-    if (steps_.back().name == "Summing Series") return series_part();
+    if (steps_.back().name.starts_with("Summing Series")) return series_part();
     return labels_.empty() ? "preparing" : plain(labels_.front());
 }
 

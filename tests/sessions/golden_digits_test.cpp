@@ -77,6 +77,12 @@ TEST(GoldenDigitsOf, ZetaOfThreeTheLemniscateAndCatalansConstant) {
     }
 }
 
+TEST(GoldenDigitsOf, EulersConstantByBothMethods) {
+    expect_reference_files({"gamma", "brent-refined", "Brent-McMillan (refined)"}, "gamma",
+                           {100, 1000, 10000, 100000});
+    expect_reference_files({"gamma", "brent-original", "Brent-McMillan"}, "gamma", {100, 1000, 10000, 100000});
+}
+
 // The digits of 10 x are those of x one place further.
 void expect_shifted(const Algorithm& one, const Algorithm& ten_times, const std::string& shared) {
     for (const std::uint64_t digits : {100, 12345, 54321}) {
