@@ -228,7 +228,7 @@ TEST_F(RaidConfiguration, RecordsComeBackAsTheyWereWritten) {
 
 TEST(RaidRecord, EveryCutIsAnError) {
     const std::string text = record;
-    for (std::size_t end = 0; end + 1 < text.size(); ++end) {
+    for (std::size_t end = 0; end < text.size(); ++end) {
         qmp::TextCursor cursor(std::string_view(text).substr(0, end));
         RaidSettings settings;
         EXPECT_EQ(message_of<qmp::ParseException>([&] { settings.load_settings(cursor); }),
