@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs the tests.
-#   ./test.sh            everything: Linux, its sanitizers, and the Windows build under Wine
-#   ./test.sh --linux    Linux alone: release, then the sanitizers
+#   ./test.sh            everything: Linux, its sanitizers, a search by the fuzzer, and the Windows build under Wine
+#   ./test.sh --linux    Linux alone: release, then the sanitizers and the fuzzer
 #   ./test.sh --quick    the Linux release tests alone
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 cd "$root"
 
-presets=(release asan tsan windows)
+presets=(release asan tsan fuzz windows)
 case "${1:-}" in
   "") ;;
-  --linux) presets=(release asan tsan) ;;
+  --linux) presets=(release asan tsan fuzz) ;;
   --quick) presets=(release) ;;
   *) echo "usage: ./test.sh [--linux | --quick]" >&2; exit 2 ;;
 esac
@@ -30,7 +30,9 @@ build() {
 }
 
 groups=(build tests)
-[[ " ${presets[*]} " == *" windows "* ]] && groups+=(windows)
+for group in fuzz windows; do
+  [[ " ${presets[*]} " == *" $group "* ]] && groups+=("$group")
+done
 tools/setup-debian.sh "${groups[@]}" || fail "setting up the machine"
 tools/setup-debian.sh emulator || echo "test.sh: no emulator: the tests of the FMA4 level will be skipped" >&2
 

@@ -4,8 +4,9 @@
     make-reference-digits.py [SOURCE_ROOT]
 
 tests/data/constants.csv holds, for each constant and a number of digits, the last 50 of them, computed with two
-arithmetic libraries that agree. Digits/NAME.txt gets five entries of ten digits from each of them, NAME being
-the constant's short name.
+arithmetic libraries that agree; Digits/NAME.txt gets five entries of ten digits from each of them, NAME being
+the constant's short name. tests/data/long_digits.csv holds what the program computed by two formulas that agree,
+and agree with those as far as they go (compute-reference-digits.py): an entry from each line.
 """
 
 import csv
@@ -38,6 +39,11 @@ def main(arguments):
     with open(root / "tests/data/constants.csv", newline="", encoding="utf-8") as table:
         for row in csv.DictReader(table):
             files.setdefault(short_name(row["constant"]), {}).update(entries(row))
+    with open(root / "tests/data/long_digits.csv", newline="", encoding="utf-8") as table:
+        for row in csv.DictReader(table):
+            known = files[short_name(row["constant"])].setdefault(int(row["position"]), row["digits"])
+            if known != row["digits"]:
+                raise SystemExit(f"{row['constant']}: two kinds of digits at {row['position']}")
     folder = root / "Digits"
     folder.mkdir(exist_ok=True)
     for name, digits in files.items():

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs and this machine lacks.
-#   tools/setup-debian.sh build|tests|emulator|windows|bench...
+#   tools/setup-debian.sh build|tests|emulator|fuzz|windows|bench...
 set -euo pipefail
 
 declare -A packages=(
   [build]="g++ cmake ninja-build"
   [tests]="libgtest-dev libgmp-dev python3"
   [emulator]="bochs bochsbios vgabios binutils isolinux syslinux-common xorriso"
+  [fuzz]="clang libclang-rt-dev"
   [windows]="g++-mingw-w64-x86-64-posix wine64 wine googletest"
-  [bench]="libbenchmark-dev libgmp-dev"
+  [bench]="libbenchmark-dev libgmp-dev libmpfr-dev libflint-dev libflint-arb-dev"
 )
 
 wanted=()

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <memory>
 
-#include "constants/catalogue.h"
+#include "constant_name.h"
 #include "digests.h"
 #include "platform/os/memory.h"
 #include "quiet_output.h"
@@ -44,7 +44,7 @@ class PassingFolder {
 };
 
 void set_up(RamSettings& settings, const Computation& computation, const std::string& folder) {
-    settings.set_constant(kelvara::make_constant(kelvara::constant_id(computation.constant)));
+    settings.set_constant(make_constant(computation.constant));
     settings.set_algorithm(computation.algorithm);
     settings.set_decimal_digits(computation.digits);
     settings.set_hexadecimal_digits(0);
@@ -102,16 +102,6 @@ Figures figures_of(const kelvara::SessionRecord& record, double unit, StepTimes&
 }
 
 }  // namespace
-
-std::string first_algorithm(const std::string& constant) {
-    return kelvara::make_constant(kelvara::constant_id(constant))->info().algorithms[0].keyword;
-}
-
-bool has_algorithm(const std::string& constant, const std::string& algorithm) {
-    const auto made = kelvara::make_constant(kelvara::constant_id(constant));
-    return std::any_of(made->info().algorithms.begin(), made->info().algorithms.end(),
-                       [&](const kelvara::AlgorithmInfo& info) { return algorithm == info.keyword; });
-}
 
 std::optional<Result> run(const Computation& computation, std::uint64_t runs, const std::string& folder,
                           const std::vector<std::uint64_t>& digit_counts) {

@@ -12,7 +12,7 @@
 namespace bench {
 
 struct Computation {
-    std::string constant;   // key of the catalogue
+    std::string constant;   // as make_constant takes it
     std::string algorithm;  // keyword
     std::uint64_t digits;
     std::uint64_t tasks;
@@ -34,6 +34,7 @@ struct Figures {
     StepTimes steps;
 
     double in_units() const { return seconds / unit; }
+    double value_in_units() const { return (seconds - output) / unit; }
 };
 
 struct Prefix {
@@ -49,11 +50,6 @@ struct Result {
     std::vector<Prefix> prefixes;  // the same of the file cut after fewer digits
     Figures median;                // the run with the median time in U
 };
-
-// The keyword of a constant's first algorithm, and whether it has one. qmp::InvalidParametersException for
-// constants that do not exist.
-std::string first_algorithm(const std::string& constant);
-bool has_algorithm(const std::string& constant, const std::string& algorithm);
 
 // Runs it `runs` times; nothing when it does not fit into the memory that is available. The digit file of the
 // last run is read, also up to those of the ascending digit counts that are smaller; every file is deleted.

@@ -1,4 +1,5 @@
 // The bench of whole computations: one command prints all of it (--help).
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -10,9 +11,11 @@
 
 #include "agreement.h"
 #include "breakdown.h"
+#include "constant_name.h"
 #include "errors/exception.h"
 #include "multiply/instruction_levels.h"
 #include "options.h"
+#include "rivals.h"
 #include "support/machine.h"
 #include "tables.h"
 
@@ -45,18 +48,25 @@ class Folder {
     bool own_;
 };
 
+// Those of the options that the constant has.
+std::vector<std::string> algorithms_for(const std::string& constant, const Options& options) {
+    const std::vector<std::string> known = bench::algorithms_of(constant);
+    if (options.algorithms.empty()) return {known.front()};
+    if (options.algorithms == std::vector<std::string>{"all"}) return known;
+    std::vector<std::string> algorithms;
+    for (const std::string& algorithm : options.algorithms) {
+        if (std::find(known.begin(), known.end(), algorithm) != known.end()) algorithms.push_back(algorithm);
+    }
+    if (algorithms.empty()) throw std::invalid_argument("None of the algorithms is one of " + constant);
+    return algorithms;
+}
+
 std::vector<Computation> computations(const Options& options) {
     std::vector<Computation> list;
-    std::set<std::string> used;
+    std::set<std::string> used = {"all"};
     for (const std::string& constant : options.constants) {
-        std::vector<std::string> algorithms;
-        for (const std::string& algorithm : options.algorithms) {
-            if (bench::has_algorithm(constant, algorithm)) algorithms.push_back(algorithm);
-        }
-        if (options.algorithms.empty()) algorithms.push_back(bench::first_algorithm(constant));
-        if (algorithms.empty()) throw std::invalid_argument("None of the algorithms is one of " + constant);
-        used.insert(algorithms.begin(), algorithms.end());
-        for (const std::string& algorithm : algorithms) {
+        for (const std::string& algorithm : algorithms_for(constant, options)) {
+            used.insert(algorithm);
             for (const std::uint64_t digits : options.digits) {
                 for (const std::uint64_t tasks : options.tasks) {
                     list.push_back({constant, algorithm, digits, tasks});
@@ -118,6 +128,7 @@ bool run(const Options& options) {
     const std::vector<Measured> all = measure_all(options, folder.path());
     if (options.digits.size() > 1) bench::print_growth(all);
     if (options.breakdown) print_breakdowns(options, all);
+    bench::print_rivals(options.rivals, options.constants, options.digits, options.tasks.back());
     return bench::print_agreement(all);
 }
 

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "constant_name.h"
+#include "rivals.h"
 #include "support/arguments.h"
 
 namespace bench {
@@ -28,23 +30,30 @@ void fill_in(std::vector<std::uint64_t>& digits) {
     sort_out(digits);
 }
 
+std::vector<std::string> constants(std::string_view list) {
+    return list == "all" ? every_constant() : items(list);
+}
+
 }  // namespace
 
 Options parse_options(int argc, char** argv) {
     Options options;
     options.levels = {supported_levels().front()};
-    read_arguments(argc, argv,
-                   {{"--growth", [&] { options.growth = true; }},
-                    {"--breakdown", [&] { options.breakdown = true; }},
-                    {"--help", [&] { options.help = true; }}},
-                   {{"--digits", [&](auto value) { options.digits = numbers(value); }},
-                    {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
-                    {"--constants", [&](auto value) { options.constants = items(value); }},
-                    {"--algorithms", [&](auto value) { options.algorithms = items(value); }},
-                    {"--levels",
-                     [&](auto value) { options.levels = chosen(items(value), supported_levels(), "level"); }},
-                    {"--runs", [&](auto value) { options.runs = number(value); }},
-                    {"--folder", [&](auto value) { options.folder = value; }}});
+    read_arguments(
+        argc, argv,
+        {{"--growth", [&] { options.growth = true; }},
+         {"--breakdown", [&] { options.breakdown = true; }},
+         {"--help", [&] { options.help = true; }}},
+        {{"--digits", [&](auto value) { options.digits = numbers(value); }},
+         {"--tasks", [&](auto value) { options.tasks = numbers(value); }},
+         {"--constants", [&](auto value) { options.constants = constants(value); }},
+         {"--algorithms", [&](auto value) { options.algorithms = items(value); }},
+         {"--levels",
+          [&](auto value) { options.levels = chosen(items(value), supported_levels(), "level"); }},
+         {"--rivals",
+          [&](auto value) { options.rivals = chosen(items(value), rival_libraries(), "library"); }},
+         {"--runs", [&](auto value) { options.runs = number(value); }},
+         {"--folder", [&](auto value) { options.folder = value; }}});
     sort_out(options.digits);
     sort_out(options.tasks);
     if (options.growth) fill_in(options.digits);
@@ -58,9 +67,10 @@ void print_help() {
         "\n"
         "  --digits=LIST      decimal digits, as 1e6,25e6 (these)\n"
         "  --tasks=LIST       task counts (1,2)\n"
-        "  --constants=LIST   keys of constants, as pi,e (pi)\n"
-        "  --algorithms=LIST  keywords, as chudnovsky,ramanujan,exp(1) (the first one of each constant)\n"
+        "  --constants=LIST   keys of constants, as pi,log:10 (pi); all\n"
+        "  --algorithms=LIST  keywords, as chudnovsky,exp(1) (the first one of each constant); all\n"
         "  --levels=LIST      instruction-set levels, as \"AVX-512,AVX2\" (the best one)\n"
+        "  --rivals=LIST      the binary values by other libraries: arb,mpfr (none); MPFR takes very long\n"
         "  --runs=N           runs of each computation, of which the median counts (3)\n"
         "  --folder=PATH      where the digit files go, one at a time (a temporary folder)\n"
         "  --growth           fills the digits up with 1, 2.5, 5, 10, 25, ... million below the largest\n"

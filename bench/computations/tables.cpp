@@ -43,20 +43,22 @@ std::string Measured::title() const {
 
 void print_table_head() {
     std::printf(
-        "\n| constant | level | digits | tasks | seconds | U, s | in U | reserve s | twiddle s | reserved "
+        "\n| constant | level | digits | tasks | seconds | U, s | in U | value alone in U | reserve s | "
+        "twiddle s | reserved "
         "MiB | "
         "of it used MiB | twiddle MiB | resident less reserved MiB | conversion, writing, verification |\n"
-        "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+        "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
 }
 
 void print_line(const Measured& measured) {
     const Computation& c = measured.computation;
     const Figures& f = measured.result.median;
     std::printf(
-        "| %s | %s | %s | %llu | %.3f | %.4f | %.3f | %.3f | %.3f | %.1f | %.1f | %.1f | %.1f | %.1f %% |\n",
+        "| %s | %s | %s | %llu | %.3f | %.4f | %.3f | %.3f | %.3f | %.3f | %.1f | %.1f | %.1f | %.1f | %.1f "
+        "%% |\n",
         c.name().c_str(), measured.level.c_str(), separated(c.digits).c_str(),
-        static_cast<unsigned long long>(c.tasks), f.seconds, f.unit, f.in_units(), f.reserving, f.twiddles,
-        mebibytes(f.reserved), mebibytes(f.used), mebibytes(f.twiddle_bytes),
+        static_cast<unsigned long long>(c.tasks), f.seconds, f.unit, f.in_units(), f.value_in_units(),
+        f.reserving, f.twiddles, mebibytes(f.reserved), mebibytes(f.used), mebibytes(f.twiddle_bytes),
         mebibytes(f.resident) - mebibytes(f.reserved), 100 * f.output / f.seconds);
     std::fflush(stdout);
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "errors/file_exception.h"
+#include "platform/os/error_codes.h"
 #include "platform/os/file.h"
 #include "platform/os/unicode.h"
 
@@ -29,25 +30,6 @@ std::string from_utf16(std::string_view bytes, std::size_t low) {
     return os::to_utf8(units);
 }
 
-// To the end, whatever size the file claims to have.
-std::string read_whole_file(const std::string& path) {
-    constexpr std::size_t block = std::size_t{1} << 16;
-    os::File file;
-    const os::ErrorCode open_error = file.open(path);
-    if (open_error != os::no_error)
-        throw FileIO::FileException("read_text_file()", "Unable to open file.", path, open_error);
-    std::string bytes;
-    for (;;) {
-        const std::size_t done = bytes.size();
-        bytes.resize(done + block);
-        const os::Transfer transfer = file.read(bytes.data() + done, block);
-        if (transfer.error != os::no_error)
-            throw FileIO::FileException("read_text_file()", "Unable to read file.", path, transfer.error);
-        bytes.resize(done + transfer.bytes);
-        if (transfer.bytes < block) return bytes;
-    }
-}
-
 }  // namespace
 
 DecodedText decode_text(std::string bytes) {
@@ -59,8 +41,30 @@ DecodedText decode_text(std::string bytes) {
     return {std::move(bytes), "UTF-8"};
 }
 
+std::string read_file_bytes(const std::string& path) {
+    constexpr std::size_t block = std::size_t{1} << 16;
+    os::File file;
+    const os::ErrorCode open_error = file.open(path);
+    if (open_error != os::no_error)
+        throw FileIO::FileException("read_file_bytes()", "Unable to open file.", path, open_error);
+    // To the end, whatever size the file claims to have.
+    std::string bytes;
+    for (;;) {
+        const std::size_t done = bytes.size();
+        bytes.resize(done + block);
+        const os::Transfer transfer = file.read(bytes.data() + done, block);
+        if (transfer.error != os::no_error)
+            throw FileIO::FileException("read_file_bytes()", "Unable to read file.", path, transfer.error);
+        bytes.resize(done + transfer.bytes);
+        if (bytes.size() > largest_text_file)
+            throw FileIO::FileException("read_file_bytes()", "Unable to read file.", path,
+                                        os::file_too_large);
+        if (transfer.bytes < block) return bytes;
+    }
+}
+
 DecodedText read_text_file(const std::string& path) {
-    return decode_text(read_whole_file(path));
+    return decode_text(read_file_bytes(path));
 }
 
 }  // namespace qmp

@@ -1,6 +1,7 @@
 // Text files in the encodings that editors save.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,13 @@ struct DecodedText {
 // does a byte without its other half at the end.
 DecodedText decode_text(std::string bytes);
 
-// The whole file. FileException "Unable to open file." or "Unable to read file.", with the path and the
-// system's code.
+// Settings and reports are small: what does not end (a device, a pipe) must not take the machine's memory.
+constexpr std::uint64_t largest_text_file = std::uint64_t{1} << 28;
+
+// The whole file, as it is and decoded. FileException "Unable to open file." or "Unable to read file.", with
+// the path and the system's code; for one of more than `largest_text_file` bytes the latter, with the code
+// file_too_large.
+std::string read_file_bytes(const std::string& path);
 DecodedText read_text_file(const std::string& path);
 
 }  // namespace qmp

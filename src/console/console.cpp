@@ -212,6 +212,7 @@ void fatal_error(std::string_view text) {
 }
 
 bool set_window_size(int width, int height) {
+    if (width < 1 || height < 1) return false;
     const os::WindowSize largest = os::largest_window_size();
     if (largest.columns == 0 || largest.rows == 0) return false;
     const int right = width - 1 < largest.columns ? width - 1 : largest.columns;

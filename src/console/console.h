@@ -65,7 +65,7 @@ void pause(Colour colour = 'w');
 // The text in bright red between empty lines, a pause, and exit code 1.
 [[noreturn]] void fatal_error(std::string_view text);
 
-// False when there is no console or it refuses.
+// False when there is no console, it refuses, or the size is no size.
 bool set_window_size(int width, int height);
 
 // One count per write and per pause.

@@ -34,15 +34,16 @@ bool take_sign(std::string_view& text) {
     return true;
 }
 
-// Takes the leading digits off the text.
-std::uint64_t take_digits(std::string_view& text) {
+// Takes the leading digits off the text; saturates, which is told in `fits`.
+std::uint64_t take_digits(std::string_view& text, bool* fits = nullptr) {
+    bool overflow = false;
     std::uint64_t value = 0;
-    while (!text.empty() && is_digit(text.front())) {
-        value =
-            saturating_add(saturating_multiply(value, 10), static_cast<std::uint64_t>(text.front() - '0'));
-        text.remove_prefix(1);
+    for (; !text.empty() && is_digit(text.front()); text.remove_prefix(1)) {
+        overflow |= __builtin_mul_overflow(value, std::uint64_t{10}, &value);
+        overflow |= __builtin_add_overflow(value, static_cast<std::uint64_t>(text.front() - '0'), &value);
     }
-    return value;
+    if (fits) *fits = !overflow;
+    return overflow ? largest : value;
 }
 
 // The digits after a decimal point, exactly: numerator / denominator, plus something smaller than any
@@ -176,6 +177,13 @@ int byte_unit_exponent(char letter) {
 
 std::uint64_t parse_decimal(std::string_view text) {
     return take_digits(text);
+}
+
+std::optional<std::uint64_t> parse_decimal_that_fits(std::string_view text) {
+    bool fits = true;
+    const std::uint64_t value = take_digits(text, &fits);
+    if (!fits) return std::nullopt;
+    return value;
 }
 
 std::uint64_t parse_int_with_suffix(std::string_view text) {

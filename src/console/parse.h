@@ -12,6 +12,8 @@ namespace qmp::console {
 
 // Digits up to the first other character; empty gives 0.
 std::uint64_t parse_decimal(std::string_view text);
+// The same where all 64 bits may be asked for; nothing when the value does not fit.
+std::optional<std::uint64_t> parse_decimal_that_fits(std::string_view text);
 // Digits and a decimal suffix in either case: K thousand, M million, B billion, T trillion. A command
 // line counts digits in decimal, so K means 1,000 here while the keyboard reader takes 1,024.
 std::uint64_t parse_int_with_suffix(std::string_view text);

@@ -46,6 +46,12 @@ void ConsoleProgress::begin_step(std::string_view title, std::string_view) {
     started_ = counter();
 }
 
+void ConsoleProgress::heading(std::string_view text) {
+    console::write(text, 'w');
+    console::println(":", 'w');
+    console::reset_color();
+}
+
 void ConsoleProgress::note(std::string_view text, console::Colour colour) {
     erase_label();
     write_on_line(text, colour);

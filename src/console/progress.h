@@ -22,6 +22,8 @@ class Progress {
     // Starts a timed step: `title` is drawn as it stands ("Summing Series...  "), `status` names the step
     // for logs ("Summing Series").
     virtual void begin_step(std::string_view title, std::string_view status) = 0;
+    // Between steps: names what the next ones are for, on a line of its own that ends with a colon.
+    virtual void heading(std::string_view) {}
     // Text that stays on the step's line, after the title ("4,061 terms").
     virtual void note(std::string_view text, console::Colour colour) = 0;
     // The label stack behind the notes.
@@ -71,6 +73,7 @@ class SilentProgress : public Progress {
 class ConsoleProgress : public Progress {
   public:
     void begin_step(std::string_view title, std::string_view status) override;
+    void heading(std::string_view text) override;
     void note(std::string_view text, console::Colour colour) override;
     void push_label(std::string_view text, console::Colour colour) override;
     void pop_label() override;

@@ -1,3 +1,5 @@
+#include "constants/catalan_huvent.h"
+#include "constants/catalan_lupas.h"
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
 
@@ -9,6 +11,12 @@ class Catalan final : public Constant {
   public:
     Catalan() : Constant(catalan_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<Catalan>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        if (algorithm() == 1) return std::make_unique<CatalanHuvent>(size(), tasks);
+        return std::make_unique<SeriesComputation>(size(), tasks, catalan_lupas_formula(), *algorithm_info());
+    }
 };
 
 constexpr std::string_view keys[] = {"catalan"};

@@ -14,6 +14,11 @@ const AlgorithmInfo* Constant::algorithm_info() const {
     return algorithm_ < info_.algorithms.size() ? &info_.algorithms[algorithm_] : nullptr;
 }
 
+std::string Constant::algorithm_name() const {
+    const AlgorithmInfo* entry = algorithm_info();
+    return entry ? entry->long_name : "";
+}
+
 void Constant::set_algorithm_keyword(std::string_view keyword) {
     for (std::uint32_t i = 0; i < info_.algorithms.size(); i++) {
         const bool digit = i < AlgorithmInfo::named_by_digit && keyword == std::to_string(i);
@@ -29,15 +34,19 @@ std::string Constant::menu_label(std::uint32_t index) const {
     return info_.algorithms[index].menu_label;
 }
 
+void Constant::print_menu_entry(std::uint32_t index) const {
+    console::println("   " + std::to_string(index) + "    " + menu_label(index), 'T');
+    const char* line = info_.algorithms[index].menu_line;
+    if (line) console::println("        " + std::string(line), 'T');
+}
+
 void Constant::ask_algorithm() {
     console::println("Select an Algorithm:", 'w');
     console::newline();
     std::uint32_t offered = 0;
     for (const AlgorithmInfo& entry : info_.algorithms) {
         if (!entry.menu_label) break;
-        console::println("   " + std::to_string(offered) + "    " + menu_label(offered), 'T');
-        if (entry.menu_line) console::println("        " + std::string(entry.menu_line), 'T');
-        offered++;
+        print_menu_entry(offered++);
     }
     console::newline();
     if (!info_.menu_note.empty()) {
@@ -57,10 +66,6 @@ void Constant::print_settings() const {
 
 std::unique_ptr<RamComputation> Constant::make_ram_computation(std::uint64_t tasks) const {
     return algorithm_info() ? make_computation(tasks) : nullptr;
-}
-
-std::unique_ptr<RamComputation> Constant::make_computation(std::uint64_t) const {
-    throw qmp::InvalidParametersException("", full_name() + " is not available in this build yet.");
 }
 
 }  // namespace kelvara

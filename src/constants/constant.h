@@ -41,13 +41,15 @@ class Constant {
     std::uint32_t algorithm() const { return algorithm_; }
     // Null when the index is out of range.
     const AlgorithmInfo* algorithm_info() const;
+    // The long name of the algorithm chosen; empty when the index is out of range.
+    virtual std::string algorithm_name() const;
     // Stored as it is, for readers that do not validate.
     void set_algorithm(std::uint32_t index) { algorithm_ = index; }
     // By keyword; "0", and "1" where there is a second algorithm, also count. InvalidParametersException
     // ("Invalid Algorithm: " and the keyword) for anything else.
     void set_algorithm_keyword(std::string_view keyword);
     // The algorithm menu of the console.
-    virtual void ask_algorithm();
+    void ask_algorithm();
 
     // Argument (if any) and algorithm keyword, one labelled line each.
     void print_settings() const;
@@ -57,7 +59,7 @@ class Constant {
     virtual void set_size(std::uint64_t precision) { precision_ = precision; }
 
     // The computation in memory for the size set last; null when the algorithm index is out of range. Its
-    // memory estimate is ready. InvalidParametersException when this build cannot compute the constant.
+    // memory estimate is ready.
     std::unique_ptr<RamComputation> make_ram_computation(std::uint64_t tasks) const;
 
   protected:
@@ -66,8 +68,10 @@ class Constant {
 
     // Label of an algorithm in the menu; null when the menu does not offer it.
     virtual std::string menu_label(std::uint32_t index) const;
+    // The lines of an algorithm in the menu.
+    virtual void print_menu_entry(std::uint32_t index) const;
     // Called with a valid algorithm index.
-    virtual std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const;
+    virtual std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const = 0;
 
   private:
     const ConstantInfo& info_;

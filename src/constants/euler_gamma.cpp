@@ -4,6 +4,7 @@
 
 #include "console/console.h"
 #include "console/input.h"
+#include "constants/brent_mcmillan.h"
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
 #include "errors/exception.h"
@@ -42,6 +43,12 @@ class EulerGamma : public Constant {
     std::string menu_label(std::uint32_t index) const override {
         const std::int64_t shown = static_cast<std::int64_t>(exponent_) - (index == 0 ? 1 : 0);
         return Constant::menu_label(index) + " ( n = 2^" + std::to_string(shown) + " )";
+    }
+
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        const bool refined = algorithm() == 0;
+        const auto exponent = static_cast<std::int32_t>(exponent_) - (refined ? 1 : 0);
+        return std::make_unique<BrentMcMillan>(size(), tasks, exponent, refined, *algorithm_info());
     }
 
     std::uint32_t exponent_;

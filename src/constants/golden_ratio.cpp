@@ -1,5 +1,6 @@
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
+#include "constants/newton_root.h"
 
 namespace kelvara {
 
@@ -9,6 +10,11 @@ class GoldenRatio final : public Constant {
   public:
     GoldenRatio() : Constant(golden_ratio_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<GoldenRatio>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<GoldenRatioNewton>(size(), tasks);
+    }
 };
 
 constexpr std::string_view keys[] = {"phi", "goldenratio"};

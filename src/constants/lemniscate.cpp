@@ -1,5 +1,6 @@
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
+#include "constants/lemniscate_sum.h"
 
 namespace kelvara {
 
@@ -9,6 +10,12 @@ class Lemniscate final : public Constant {
   public:
     Lemniscate() : Constant(lemniscate_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<Lemniscate>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<LemniscateSum>(size(), tasks, lemniscate_formula(algorithm()),
+                                               *algorithm_info());
+    }
 };
 
 constexpr std::string_view keys[] = {"lemniscate"};

@@ -2,9 +2,9 @@
 
 #include "constants/pi_terms.h"
 #include "errors/check.h"
-#include "series/leaf_bisection.h"
 #include "series/leaf_int.h"
 #include "series/series_constants.h"
+#include "series/term_by_term_series.h"
 
 namespace kelvara {
 
@@ -13,11 +13,10 @@ using qmp::BSS_P2B3_Type0;
 using qmp::ExactFloat;
 using qmp::leaf_mul;
 using qmp::leaf_set;
-using qmp::LeafOutputs;
-using qmp::MultiplyContext;
 using qmp::parse_literal;
 using qmp::require_capacity;
 using qmp::SeriesCost;
+using qmp::TermByTermSeries;
 using qmp::Word;
 
 namespace {
@@ -46,48 +45,37 @@ void cube(BasicInt& x, Word c, std::uint64_t k) {
 
 struct ChudnovskyKernel {
     using Numbers = ChudnovskyNumbers;
+    static constexpr bool alternating = Numbers::alternating;
+    static constexpr std::uint64_t size_margin = 23;
+    static constexpr std::uint64_t leaf_size = Numbers::leaf_size;
     static constexpr std::uint64_t words = p_words;
-    static constexpr std::uint64_t longest_range = Numbers::leaf_size - 1;
+    static constexpr std::uint64_t longest_range = leaf_size - 1;
 
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Pi_Chudnovsky_BSR_End_PR1(P, R, k);
         Pi_Chudnovsky_BSR_End_Q1(Q, k);
     }
     // One more bit and P takes three words; the following steps serve the largest computations.
-    static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
-        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 23, 31, 39>(P, Q, R, a, b);
+    bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
+        return qmp::leaf::sum_leaf<23, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
     }
 };
 
 struct RamanujanKernel {
     using Numbers = RamanujanNumbers;
+    static constexpr bool alternating = Numbers::alternating;
+    static constexpr std::uint64_t size_margin = 23;
+    static constexpr std::uint64_t leaf_size = Numbers::leaf_size;
     static constexpr std::uint64_t words = p_words;
-    static constexpr std::uint64_t longest_range = Numbers::leaf_size - 1;
+    static constexpr std::uint64_t longest_range = leaf_size - 1;
 
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Pi_Ramanujan_BSR_End_R1(R, k);
         Pi_Ramanujan_BSR_End_P1(P, R, k);
         Pi_Ramanujan_BSR_End_Q1(Q, k);
     }
-    static bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
-        return qmp::leaf::sum_leaf<PiTerms<Numbers>, 27, 31, 39>(P, Q, R, a, b);
-    }
-};
-
-template <typename Kernel>
-class TermByTermSeries final : public BSS_P2B3_Type0 {
-  public:
-    explicit TermByTermSeries(const SeriesCost& model)
-        : BSS_P2B3_Type0(Kernel::Numbers::alternating, 23, Kernel::Numbers::leaf_size, model) {}
-
-    void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext&, std::uint64_t a,
-                 std::uint64_t b) const override {
-        if (Kernel::sum_leaf(P, Q, R, a, b)) return;
-        LeafOutputs out = {{P.base, P.AL}, {Q.base, Q.AL}, {R.base, R.AL}};
-        leaf_bisect(Kernel(), alternating, out, a, b);
-        set_leaf(P, out.P);
-        set_leaf(Q, out.Q);
-        set_leaf(R, out.R);
+    bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
+        return qmp::leaf::sum_leaf<27, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
     }
 };
 

@@ -51,8 +51,8 @@ struct PiTerms {
     static constexpr double sum_bits = 0.0001;
 
     template <int Bits>
-    [[gnu::always_inline]] static qmp::leaf::Residues term(qmp::Word* P, qmp::Word* Q, qmp::Word* R,
-                                                           std::uint64_t k) {
+    [[gnu::always_inline]] qmp::leaf::Residues term(qmp::Word* P, qmp::Word* Q, qmp::Word* R,
+                                                    std::uint64_t k) const {
         using qmp::leaf::Factor;
         using qmp::leaf::product;
         using qmp::leaf::residue_product;

@@ -5,6 +5,7 @@
 #include "console/console.h"
 #include "constants/argument_constant.h"
 #include "constants/catalogue_entries.h"
+#include "constants/newton_root.h"
 #include "errors/exception.h"
 
 namespace kelvara {
@@ -43,6 +44,11 @@ class SquareRoot final : public ArgumentConstant {
             console::println("This number is a perfect square.", 'w');
             console::println("Please choose something more interesting :)", 'w');
         }
+    }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<SquareRootNewton>(size(), tasks, *argument());
     }
 };
 

@@ -1,5 +1,6 @@
 #include "constants/catalogue_entries.h"
 #include "constants/constant.h"
+#include "constants/zeta3_series.h"
 
 namespace kelvara {
 
@@ -9,6 +10,12 @@ class Zeta3 final : public Constant {
   public:
     Zeta3() : Constant(zeta3_info) {}
     std::unique_ptr<Constant> clone() const override { return std::make_unique<Zeta3>(*this); }
+
+  protected:
+    std::unique_ptr<RamComputation> make_computation(std::uint64_t tasks) const override {
+        return std::make_unique<SeriesComputation>(size(), tasks, zeta3_formula(algorithm()),
+                                                   *algorithm_info());
+    }
 };
 
 constexpr std::string_view keys[] = {"apery", "zeta3", "zeta(3)"};

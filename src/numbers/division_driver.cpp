@@ -9,17 +9,13 @@ std::uint64_t scratch_bytes(std::uint64_t multiply_bytes, std::uint64_t newton_w
     return multiply_bytes + newton_words * sizeof(Word) + 2 * checked_array_overhead(64);
 }
 
-// A timed step with its label, ended also when an exception passes.
+// A timed step, ended also when an exception passes.
 class IterationStep {
   public:
     IterationStep(Progress* progress, std::string_view title, std::string_view status) : progress_(progress) {
         progress_->begin_step(title, status);
-        progress_->push_label("Iterating: ", 'w');
     }
-    ~IterationStep() {
-        progress_->pop_label();
-        progress_->end_step();
-    }
+    ~IterationStep() { progress_->end_step(); }
     IterationStep(const IterationStep&) = delete;
     IterationStep& operator=(const IterationStep&) = delete;
 
@@ -39,6 +35,7 @@ std::uint64_t inverse_square_root_bytes(std::uint64_t p, std::uint64_t tasks) {
 
 OwnedBigFloat divide(const ComputeContext& context, BigFloatView a, BigFloatView b, std::uint64_t p) {
     IterationStep step(context.progress, "Division...", "Division");
+    ScopedLabel label(context.progress, "Iterating: ", 'w');
     OwnedBigFloat quotient(context.region, p + 3);
     const CheckedWords products =
         context.allocate(newton_multiply_scratch_bytes(p, context.parallel.tds) / sizeof(Word));
@@ -50,6 +47,11 @@ OwnedBigFloat divide(const ComputeContext& context, BigFloatView a, BigFloatView
 
 OwnedBigFloat inverse_square_root(const ComputeContext& context, Word w, std::uint64_t p) {
     IterationStep step(context.progress, "InvSqrt...", "InvSqrt");
+    return iterate_inverse_square_root(context, w, p);
+}
+
+OwnedBigFloat iterate_inverse_square_root(const ComputeContext& context, Word w, std::uint64_t p) {
+    ScopedLabel label(context.progress, "Iterating: ", 'w');
     OwnedBigFloat root(context.region, p + 7);
     const CheckedWords products =
         context.allocate(newton_multiply_scratch_bytes(p, context.parallel.tds) / sizeof(Word));

@@ -12,6 +12,8 @@ namespace qmp {
 OwnedBigFloat divide(const ComputeContext& context, BigFloatView a, BigFloatView b, std::uint64_t p);
 // 1/sqrt(w) to p words: the step "InvSqrt...". The result's capacity is p + 7 words.
 OwnedBigFloat inverse_square_root(const ComputeContext& context, Word w, std::uint64_t p);
+// The same within a step that the caller begins and ends.
+OwnedBigFloat iterate_inverse_square_root(const ComputeContext& context, Word w, std::uint64_t p);
 
 // Bytes of the region that divide() takes at most for p words, its result not included.
 std::uint64_t divide_bytes(std::uint64_t p, std::uint64_t tasks);

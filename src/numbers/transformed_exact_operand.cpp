@@ -97,4 +97,16 @@ void ExactFloatTransformR::inverse_fsqr(const MultiplyContext& context, ExactFlo
     finish(destination, n, 2 * a.exp, check_mul(a.hash, a.hash));
 }
 
+void ExactFloatTransformR::inverse_fsqr_kept(const MultiplyContext& context, ExactFloat& destination,
+                                             ExactFloatTransformR& a, Word* space) {
+    const char* function = "ExactFloatTransformR::inverse_fsqr_kept()";
+    if (!a.data) invalid_function_parameters(function);
+    const std::uint64_t n = 2 * a.L;
+    check_product(function, *a.parameters, destination, n);
+    destination.T = destination.base;
+    a.parameters->finish_square(context, space, a.data, a.state, destination.T, 0, n);
+    a.state = OperandState::whole;
+    finish(destination, n, 2 * a.exp, check_mul(a.hash, a.hash));
+}
+
 }  // namespace qmp

@@ -68,6 +68,9 @@ class ExactFloatTransformR {
                              ExactFloatTransformR& b, std::int64_t exp);
     static void inverse_fsqr(const MultiplyContext& context, ExactFloat& destination,
                              ExactFloatTransformR& a);
+    // The same with `a` kept; `space` is another operand's buffer, which is overwritten.
+    static void inverse_fsqr_kept(const MultiplyContext& context, ExactFloat& destination,
+                                  ExactFloatTransformR& a, Word* space);
 };
 
 }  // namespace qmp

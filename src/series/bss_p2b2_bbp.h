@@ -17,6 +17,8 @@ class BSS_P2B2_BBP : public CostedSeries {
     static constexpr std::size_t output_count = 2;
     static constexpr std::size_t buffer_count = 3;
     using Buffers = std::array<ExactFloat, buffer_count>;
+    // The running values of a plan: P and Q.
+    static constexpr std::size_t running_count = 2;
     static constexpr const char* psr_function = "BSS_P2B2_BBP::B_PSR()";
 
     // A range of fewer than leaf_size terms. BufferTooSmallException in the kernel's name.

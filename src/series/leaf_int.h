@@ -30,4 +30,13 @@ inline void leaf_add(BasicInt& x, Word w) {
     x.hash = check_add(x.hash, check_reduce(w));
 }
 
+// x > w, of the same length afterwards or shorter.
+inline void leaf_sub(BasicInt& x, Word w) {
+    const Word before = x.T[0];
+    x.T[0] = before - w;
+    sub_borrow(x.T + 1, x.L - 1, before < w);
+    while (x.T[x.L - 1] == 0) x.L--;
+    x.hash = check_sub(x.hash, check_reduce(w));
+}
+
 }  // namespace qmp

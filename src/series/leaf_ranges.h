@@ -6,8 +6,9 @@
 //                                  two to these powers
 //   sum_bits                       P over n terms is below 2^(p_bits + (n - 1) q_bits + sum_bits)
 //   longest_range                  terms of the longest leaf
-//   template <int Bits> static Residues term(Word* P, Word* Q, Word* R, std::uint64_t k)
+//   template <int Bits> Residues term(Word* P, Word* Q, Word* R, std::uint64_t k) const
 // where the last one computes the term of index k < 2^Bits, 1 <= k, into Widths<Terms, Bits, 1> words each.
+// An object of the type holds what the series' numbers are, where the type alone does not tell.
 //
 // Ranges are halved and merged as leaf_bisect() does it, and give the same words and check values. The check
 // values come from the factors of the terms and from the formulas of the merges; they know nothing of the
@@ -74,21 +75,23 @@ struct Widths {
 };
 
 template <typename Terms, int Bits, int n>
-void sum_range(Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a);
+void sum_range(const Terms& terms, Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a);
 
 template <typename Terms, int Bits, int n>
-[[gnu::always_inline]] inline void sum_half(Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a) {
+[[gnu::always_inline]] inline void sum_half(const Terms& terms, Word* P, Word* Q, Word* R, Residues& checks,
+                                            std::uint64_t a) {
     if constexpr (n == 1) {
-        checks = Terms::template term<Bits>(P, Q, R, a + 1);
+        checks = terms.template term<Bits>(P, Q, R, a + 1);
     } else {
-        sum_range<Terms, Bits, n>(P, Q, R, checks, a);
+        sum_range<Terms, Bits, n>(terms, P, Q, R, checks, a);
     }
 }
 
 // The terms of index a + 1 to a + n < 2^Bits. A function for each length: code that repeated the shorter
 // ranges where they are merged would be half as long again, for 3 % of the time.
 template <typename Terms, int Bits, int n>
-[[gnu::noinline]] void sum_range(Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a) {
+[[gnu::noinline]] void sum_range(const Terms& terms, Word* P, Word* Q, Word* R, Residues& checks,
+                                 std::uint64_t a) {
     constexpr int n0 = n / 2;
     constexpr int n1 = n - n0;
     using W = Widths<Terms, Bits, n>;
@@ -97,8 +100,8 @@ template <typename Terms, int Bits, int n>
     Word P0[W0::P], Q0[W0::Q], R0[W0::R];
     Word P1[W1::P], Q1[W1::Q], R1[W1::R];
     Residues h0, h1;
-    sum_half<Terms, Bits, n0>(P0, Q0, R0, h0, a);
-    sum_half<Terms, Bits, n1>(P1, Q1, R1, h1, a + n0);
+    sum_half<Terms, Bits, n0>(terms, P0, Q0, R0, h0, a);
+    sum_half<Terms, Bits, n1>(terms, P1, Q1, R1, h1, a + n0);
 
     // T = R0 P1 may be narrower than P.
     constexpr int t_words = std::min(W0::R + W1::P, W::P);
@@ -120,8 +123,9 @@ template <typename Terms, int Bits, int n>
 }
 
 // The function of one range length, and the words that it writes.
+template <typename Terms>
 struct RangeFunction {
-    void (*sum)(Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a);
+    void (*sum)(const Terms& terms, Word* P, Word* Q, Word* R, Residues& checks, std::uint64_t a);
     std::uint64_t P;
     std::uint64_t Q;
     std::uint64_t R;
@@ -132,7 +136,7 @@ constexpr std::uint64_t shortest_range = 2;
 // By length, from shortest_range terms on.
 template <typename Terms, int Bits>
 constexpr auto range_functions = []<int... i>(std::integer_sequence<int, i...>) {
-    return std::array{RangeFunction{
+    return std::array{RangeFunction<Terms>{
         sum_range<Terms, Bits, shortest_range + i>, Widths<Terms, Bits, shortest_range + i>::P,
         Widths<Terms, Bits, shortest_range + i>::Q, Widths<Terms, Bits, shortest_range + i>::R}...};
 }
@@ -147,12 +151,13 @@ inline void set_range(ExactFloat& x, std::uint64_t words, std::uint64_t check) {
 }
 
 template <typename Terms, int Bits>
-bool sum_leaf_below(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
+bool sum_leaf_below(const Terms& terms, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a,
+                    std::uint64_t b) {
     if (b >> Bits != 0) return false;
-    const RangeFunction& range = range_functions<Terms, Bits>[b - a - shortest_range];
+    const RangeFunction<Terms>& range = range_functions<Terms, Bits>[b - a - shortest_range];
     if (P.AL < range.P || Q.AL < range.Q || R.AL < range.R) return false;
     Residues checks;
-    range.sum(P.base, Q.base, R.base, checks, a);
+    range.sum(terms, P.base, Q.base, R.base, checks, a);
     set_range(P, range.P, checks.P);
     set_range(Q, range.Q, checks.Q);
     set_range(R, range.R, checks.R);
@@ -162,10 +167,11 @@ bool sum_leaf_below(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a
 // Sums (a, b] with the narrowest code of those for indices below 2^Bits, in increasing order. False, with
 // nothing written, when there is none: for a single term, for indices beyond, and for buffers that are
 // shorter than the widths, even if the sums would fit.
-template <typename Terms, int... Bits>
-bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
+template <int... Bits, typename Terms>
+bool sum_leaf(const Terms& terms, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a,
+              std::uint64_t b) {
     if (b - a < shortest_range || b - a > Terms::longest_range) return false;
-    return (sum_leaf_below<Terms, Bits>(P, Q, R, a, b) || ...);
+    return (sum_leaf_below<Terms, Bits>(terms, P, Q, R, a, b) || ...);
 }
 
 }  // namespace qmp::leaf

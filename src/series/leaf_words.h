@@ -101,6 +101,22 @@ template <int Width, int La, int Lb>
     }
 }
 
+// destination[0 .. Width) = a[0 .. La) * w + c, a value that fits. The destination may be a.
+template <int Width, int La>
+[[gnu::always_inline]] inline void multiply_add(Word* destination, const Word* a, Word w, Word c) {
+    static_assert(Width == La || Width == La + 1);
+    [&]<int... i>(std::integer_sequence<int, i...>) {
+        const auto step = [&](int j) __attribute__((always_inline)) {
+            const DoubleWord sum = static_cast<DoubleWord>(a[j]) * w + c;
+            destination[j] = low_word(sum);
+            c = high_word(sum);
+        };
+        (step(i), ...);
+    }
+    (std::make_integer_sequence<int, La>());
+    if constexpr (Width > La) destination[La] = c;
+}
+
 // Words I to Width - 1 of a sum or a difference.
 template <int I, int Width, bool Subtract>
 [[gnu::always_inline]] inline void combine(Word* a, const Word* b, bool carry) {

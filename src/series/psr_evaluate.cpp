@@ -8,14 +8,19 @@
 #include "radix/digit_counts.h"
 #include "series/bsr_engine.h"
 #include "series/bsr_verify.h"
+#include "series/fold_euler_gamma_bm_ab.h"
 #include "series/transform_pair.h"
 
 namespace qmp {
 
 namespace {
 
-// What a fold works on: the exact results of a block, the running sums behind it, and the two exact buffers
-// whole, which are free as soon as the block's results are held transformed.
+// The running values: P and Q, or Q, R and T.
+template <typename Series>
+using Running = std::array<BigFloat, Series::running_count>;
+
+// Folds a block into running P and Q: its exact results, the running sums behind it, and the two exact
+// buffers whole, which are free as soon as the block's results are held transformed.
 struct Fold {
     const MultiplyContext& context;
     std::uint64_t p;  // precision at the block's start
@@ -24,6 +29,16 @@ struct Fold {
     BigFloat& Q;
     BigFloat product;  // over the second exact buffer
     BigFloat sum;      // over the first one
+
+    Fold(const MultiplyContext& multiplication, std::uint64_t precision, bool subtracts, BigFloat& running_P,
+         BigFloat& running_Q, PsrMemory& memory)
+        : context(multiplication),
+          p(precision),
+          subtract(subtracts),
+          P(running_P),
+          Q(running_Q),
+          product(memory.exact[1].data(), memory.exact[1].words()),
+          sum(memory.exact[0].data(), memory.exact[0].words()) {}
 
     std::uint64_t kept() const { return p + big_float_extra_precision; }
     BigFloatView cut(const ExactFloat& x) const { return BigFloatView{x.T, x.L, x.exp, 1}.cut(kept()); }
@@ -39,7 +54,10 @@ struct Fold {
 };
 
 // P = P0 Q1 +- P1 Q0, Q = Q0 Q1.
-void fold_block(const BSS_P2B2_BBP&, Fold& fold, const BSS_P2B2_BBP::Buffers& block) {
+void fold_block(const BSS_P2B2_BBP& series, const MultiplyContext& context, const PsrBlock& range,
+                const BSS_P2B2_BBP::Buffers& block, PsrMemory& memory, Running<BSS_P2B2_BBP>& running) {
+    Fold fold(context, range.precision_at_a, series.subtracts(range.a, range.b), running[0], running[1],
+              memory);
     const BigFloatView P0 = fold.cut(block[0]);
     const BigFloatView Q0 = fold.cut(block[1]);
     const std::uint64_t longest = std::max({P0.L + fold.Q.L, Q0.L + fold.Q.L, Q0.L + fold.P.L});
@@ -55,7 +73,10 @@ void fold_block(const BSS_P2B2_BBP&, Fold& fold, const BSS_P2B2_BBP::Buffers& bl
 }
 
 // P = P0 Q1 +- R0 P1, Q = Q0 Q1.
-void fold_block(const BSS_P2B3_Type0&, Fold& fold, const BSS_P2B3_Type0::Buffers& block) {
+void fold_block(const BSS_P2B3_Type0& series, const MultiplyContext& context, const PsrBlock& range,
+                const BSS_P2B3_Type0::Buffers& block, PsrMemory& memory, Running<BSS_P2B3_Type0>& running) {
+    Fold fold(context, range.precision_at_a, series.subtracts(range.a, range.b), running[0], running[1],
+              memory);
     const BigFloatView P0 = fold.cut(block[0]);
     const BigFloatView Q0 = fold.cut(block[1]);
     const BigFloatView R0 = fold.cut(block[2]);
@@ -76,6 +97,12 @@ void fold_block(const BSS_P2B3_Type0&, Fold& fold, const BSS_P2B3_Type0::Buffers
     fold.finish();
 }
 
+void fold_block(const Series_EulerGamma_BM_AB&, const MultiplyContext& context, const PsrBlock& range,
+                const Series_EulerGamma_BM_AB::Buffers& block, PsrMemory& memory,
+                Running<Series_EulerGamma_BM_AB>& running) {
+    fold_euler_gamma_bm_ab(context, range.precision_at_a, block, memory.exact, running);
+}
+
 // Two temporaries of `words` words at the start of each exact buffer.
 template <typename Series>
 typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
@@ -88,11 +115,16 @@ typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
     return out;
 }
 
+// The running value i after the last block: its exact outputs, of the Brent-McMillan sums without P.
+template <typename Series>
+constexpr std::size_t running_output = Series::running_count == 3 ? 1 : 0;
+
 template <typename Series>
 void evaluate(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
-              std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
-    P = BigFloat(memory.running[0].data(), memory.running[0].words());
-    Q = BigFloat(memory.running[1].data(), memory.running[1].words());
+              std::uint64_t first, PsrMemory& memory, Running<Series>& running) {
+    for (std::size_t i = 0; i < running.size(); i++) {
+        running[i] = BigFloat(memory.running[i].data(), memory.running[i].words());
+    }
     const std::uint64_t total = plan.blocks.size() - first;
     for (std::uint64_t done = 0; done < total; done++) {
         const std::uint64_t i = plan.last() - done;
@@ -108,53 +140,68 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
         BSR_block(series, context, progress, exact, block.a, block.b, depth);
         qcb_Verify_BSR(progress, block.a, block.b, {exact.data(), Series::output_count}, context.parallel());
 
-        const BigFloatView P0 = {exact[0].T, exact[0].L, exact[0].exp, 1};
-        const BigFloatView Q0 = {exact[1].T, exact[1].L, exact[1].exp, 1};
         if (done == 0) {
-            P.set_BigFloat(context.parallel(), P0, P0.L);
-            Q.set_BigFloat(context.parallel(), Q0, Q0.L);
+            for (std::size_t r = 0; r < running.size(); r++) {
+                const ExactFloat& x = exact[r + running_output<Series>];
+                running[r].set_BigFloat(context.parallel(), BigFloatView{x.T, x.L, x.exp, 1}, x.L);
+            }
             continue;
         }
-        const std::uint64_t p = block.precision_at_a;
-        P.truncate_to(p + big_float_extra_precision);
-        Q.truncate_to(p + big_float_extra_precision);
+        for (BigFloat& x : running) x.truncate_to(block.precision_at_a + big_float_extra_precision);
         ScopedLabel merge(progress, "-  ", label_colour);
-        ScopedLabel size(progress, console::format_separated(word_to_dec(Q0.L + Q.L)), label_size_colour);
-        Fold fold = {context,
-                     p,
-                     series.subtracts(block.a, block.b),
-                     P,
-                     Q,
-                     BigFloat(memory.exact[1].data(), memory.exact[1].words()),
-                     BigFloat(memory.exact[0].data(), memory.exact[0].words())};
-        fold_block(series, fold, exact);
+        const std::uint64_t running_q = running[1 - running_output<Series>].L;
+        ScopedLabel size(progress, console::format_separated(word_to_dec(exact[1].L + running_q)),
+                         label_size_colour);
+        fold_block(series, context, block, exact, memory, running);
     }
+}
+
+// Hands the running values to the caller.
+template <typename Series>
+void evaluate_pair(const Series& series, const MultiplyContext& context, Progress* progress,
+                   const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
+    Running<Series> running;
+    evaluate(series, context, progress, plan, first, memory, running);
+    P = running[0];
+    Q = running[1];
 }
 
 }  // namespace
 
-PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes) {
+PsrMemory::PsrMemory(const ComputeContext& context, const PlanSizes& sizes, std::size_t buffers) {
     exact[0] = context.allocate(2 * sizes.exact_words);
     running[1] = context.allocate(sizes.running_words);
     running[0] = context.allocate(sizes.running_words);
-    exact[1] = context.allocate(2 * sizes.exact_words);
+    for (std::size_t i = 2; i < buffers; i++) running[i] = context.allocate(sizes.running_words);
+    for (std::size_t i = 1; i < buffers; i++) exact[i] = context.allocate(2 * sizes.exact_words);
     scratch = context.allocate((sizes.scratch_bytes + sizeof(Word) - 1) / sizeof(Word));
 }
 
 void PsrMemory::release_temporaries() {
     scratch.reset();
-    exact[1].reset();
+    for (std::size_t i = exact.size(); i-- > 1;) exact[i].reset();
+    running[2].reset();
     running[0].reset();
 }
 
 void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress* progress,
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
-    evaluate(series, context, progress, plan, first, memory, P, Q);
+    evaluate_pair(series, context, progress, plan, first, memory, P, Q);
 }
 
 void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q) {
-    evaluate(series, context, progress, plan, first, memory, P, Q);
+    evaluate_pair(series, context, progress, plan, first, memory, P, Q);
+}
+
+void B_PSR(const Series_EulerGamma_BM_AB& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& Q, BigFloat& R,
+           BigFloat& T) {
+    Running<Series_EulerGamma_BM_AB> running;
+    evaluate(series, context, progress, plan, first, memory, running);
+    Q = running[0];
+    R = running[1];
+    T = running[2];
 }
 
 }  // namespace qmp

@@ -10,18 +10,20 @@
 #include "series/bss_p2b2_bbp.h"
 #include "series/bss_p2b3_type0.h"
 #include "series/psr_plan.h"
+#include "series/series_euler_gamma_bm_ab.h"
 
 namespace qmp {
 
-// The buffers of an evaluation. Two hold the exact results of a block, two temporaries each; two hold the
-// running P and Q. exact[0] and running[1] lie lowest, so that what the other buffers took is one piece
-// once they are released.
+// The buffers of an evaluation. The exact ones hold the results of a block, two temporaries each; the running
+// ones hold the running P and Q, of the Brent-McMillan sums Q, R and T. exact[0] and running[1] lie lowest,
+// so that what the other buffers took is one piece once they are released.
 struct PsrMemory {
-    std::array<CheckedWords, 2> exact;
-    std::array<CheckedWords, 2> running;
+    std::array<CheckedWords, 3> exact;
+    std::array<CheckedWords, 3> running;
     CheckedWords scratch;
 
-    PsrMemory(const ComputeContext& context, const PlanSizes& sizes);
+    // Two of each kind, or three.
+    PsrMemory(const ComputeContext& context, const PlanSizes& sizes, std::size_t buffers = 2);
     // Lets go of everything but exact[0] and running[1].
     void release_temporaries();
 };
@@ -35,5 +37,9 @@ void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress*
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
 void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
+// The same with the running Q, R and T.
+void B_PSR(const Series_EulerGamma_BM_AB& series, const MultiplyContext& context, Progress* progress,
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& Q, BigFloat& R,
+           BigFloat& T);
 
 }  // namespace qmp

@@ -37,7 +37,7 @@ BigFloat combine(ParallelContext parallel, const PsrMemory& memory, BigFloatView
 
 template <typename Series>
 SeriesFraction sum(const Series& series, const ComputeContext& context, std::uint64_t p, double factor,
-                   Word w, Word d, bool subtract) {
+                   Word w, Word d, bool subtract, Word c = 1) {
     Progress* progress = context.progress;
     const TimedStep step(progress, "Summing Series...  ", "Summing Series");
     const PsrPlan plan = build_psr_plan(series, p, factor);
@@ -50,6 +50,7 @@ SeriesFraction sum(const Series& series, const ComputeContext& context, std::uin
     BigFloat numerator;
     {
         ScopedLabel label(progress, "Finishing Series", 'P');
+        if (c != 1) P.mul_uW(context.parallel, c);
         numerator = combine(context.parallel, memory, P, Q, p, w, subtract);
         if (d != 1) Q.mul_uW(context.parallel, d);
         numerator.truncate_to(p + big_float_extra_precision);
@@ -78,8 +79,8 @@ OwnedBigFloat value_of(const Series& series, const ComputeContext& context, std:
 }  // namespace
 
 SeriesFraction sum_fraction(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p,
-                            double factor, Word w, Word d, bool subtract) {
-    return sum(series, context, p, factor, w, d, subtract);
+                            double factor, Word w, Word d, bool subtract, Word c) {
+    return sum(series, context, p, factor, w, d, subtract, c);
 }
 
 SeriesFraction sum_fraction(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p,

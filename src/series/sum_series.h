@@ -20,9 +20,10 @@ struct SeriesFraction {
 };
 
 // Sums a series to p words, as the step "Summing Series...": both parts are truncated to p + 2 words.
-// `factor` is the plan's. `subtract` tells that the terms behind index 0 are negative as a whole.
+// `factor` is the plan's. `subtract` tells that the terms behind index 0 are negative as a whole. A word c
+// that multiplies these terms makes the numerator w Q +- c P.
 SeriesFraction sum_fraction(const BSS_P2B2_BBP& series, const ComputeContext& context, std::uint64_t p,
-                            double factor, Word w, Word d, bool subtract);
+                            double factor, Word w, Word d, bool subtract, Word c = 1);
 SeriesFraction sum_fraction(const BSS_P2B3_Type0& series, const ComputeContext& context, std::uint64_t p,
                             double factor, Word w, Word d, bool subtract);
 

@@ -46,6 +46,14 @@ void ExactTransformPair::multiply(ExactFloat& destination, unsigned consumed) {
     }
 }
 
+void ExactTransformPair::square(ExactFloat& destination, unsigned slot) {
+    if (is_short()) {
+        destination.set_mul(rest_, short_[slot], short_[slot]);
+    } else {
+        ExactFloatTransformR::inverse_fsqr_kept(rest_, destination, transformed_[slot], data_[1 - slot]);
+    }
+}
+
 void FloatTransformPair::load(unsigned slot, BigFloatView operand) {
     if (is_short()) {
         short_[slot] = copied(data_[slot], operand);
@@ -64,6 +72,16 @@ void FloatTransformPair::multiply(BigFloat& destination, unsigned consumed, std:
     BigFloatTransformR& b = transformed_[kept];
     const std::int64_t end = a.exp + b.exp + static_cast<std::int64_t>(a.L + b.L);
     BigFloatTransformR::inverse_fmul(rest_, destination, a, b, end, p);
+}
+
+void FloatTransformPair::square(BigFloat& destination, unsigned slot, std::uint64_t p) {
+    if (is_short()) {
+        destination.set_sqr(rest_, short_[slot], p);
+        return;
+    }
+    BigFloatTransformR& a = transformed_[slot];
+    BigFloatTransformR::inverse_fsqr_kept(rest_, destination, a, data_[1 - slot],
+                                          2 * (a.exp + static_cast<std::int64_t>(a.L)), p);
 }
 
 }  // namespace qmp

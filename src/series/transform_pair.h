@@ -42,6 +42,8 @@ class ExactTransformPair : TransformSlots {
     // The product of the two slots, whole. The operand in `consumed` is gone afterwards, the other one
     // stays. Capacity of the destination: the sum of the operands' lengths.
     void multiply(ExactFloat& destination, unsigned consumed);
+    // The square of a slot, which stays; the operand in the other one is gone.
+    void square(ExactFloat& destination, unsigned slot);
 
   private:
     ExactFloatTransformR transformed_[2];
@@ -56,6 +58,8 @@ class FloatTransformPair : TransformSlots {
     void load(unsigned slot, BigFloatView operand);
     // The product to p words.
     void multiply(BigFloat& destination, unsigned consumed, std::uint64_t p);
+    // The square of a slot to p words, as above.
+    void square(BigFloat& destination, unsigned slot, std::uint64_t p);
 
   private:
     BigFloatTransformR transformed_[2];

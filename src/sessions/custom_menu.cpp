@@ -47,10 +47,8 @@ void print_output_format(std::uint64_t digits_per_file) {
 void print_choices(const ComputationSettings& settings) {
     console::println("\n\nCustom Compute a Constant\n", 'P');
     const Constant& constant = settings.constant();
-    const AlgorithmInfo* algorithm = constant.algorithm_info();
     console::print_column_line(narrow_column, "  1     Constant:", constant.full_name(), constant.colour());
-    console::print_column_line(narrow_column, "  2     Algorithm:", algorithm ? algorithm->long_name : "",
-                               'Y');
+    console::print_column_line(narrow_column, "  2     Algorithm:", constant.algorithm_name(), 'Y');
     console::newline();
     console::print_column_separated(wide_column, "  3     Decimal Digits:", settings.decimal_digits(), 'G');
     if (settings.hexadecimal_digits() == 0) {

@@ -18,6 +18,11 @@ class SessionProgress final : public qmp::ConsoleProgress {
         ConsoleProgress::begin_step(title, status);
         observer_.begin_step(title, status);
     }
+    void heading(std::string_view text) override {
+        log_.append(text);
+        ConsoleProgress::heading(text);
+        observer_.heading(text);
+    }
     void note(std::string_view text, qmp::console::Colour colour) override {
         ConsoleProgress::note(text, colour);
         observer_.note(text, colour);

@@ -1,58 +1,18 @@
 #include "sessions/spot_check.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "config/text_file.h"
 #include "console/console.h"
 #include "console/format.h"
+#include "console/parse.h"
 #include "digitfiles/open_digit_file.h"
 #include "errors/exception.h"
 #include "platform/os/file.h"
 
 namespace kelvara {
-namespace {
 
 namespace console = qmp::console;
-
-constexpr std::uint64_t compared_digits = 10;
-
-bool is_blank(char c) {
-    return c == ' ' || c == '\t';
-}
-
-// The number that the text begins with, behind blanks; stops at the first character that is neither a digit
-// nor a comma.
-std::uint64_t take_number(std::string_view& text) {
-    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
-    std::uint64_t value = 0;
-    for (; !text.empty(); text.remove_prefix(1)) {
-        const char c = text.front();
-        if (c == ',') continue;
-        if (c < '0' || c > '9') break;
-        value = value * 10 + static_cast<std::uint64_t>(c - '0');
-    }
-    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
-    return value;
-}
-
-}  // namespace
-
-ReferenceDigits parse_reference_digits(std::string_view text) {
-    ReferenceDigits entries;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        const std::uint64_t position = take_number(line);
-        if (line.empty() || line.front() != '|' || position < compared_digits) continue;
-        line.remove_prefix(1);
-        if (!entries.emplace(position, take_number(line)).second) {
-            console::print_warning("Error parsing digit file: Duplicate entries.");
-        }
-    }
-    return entries;
-}
 
 std::string SpotCheckResult::to_text() const {
     switch (kind) {
@@ -76,11 +36,12 @@ SpotCheckResult spot_check(const ReferenceDigits& reference, qmp::DigitReader& r
     try {
         for (const auto& [position, expected] : reference) {
             if (position > digits) break;
-            char text[compared_digits];
-            reader.read(position - compared_digits, text, compared_digits);
-            std::string_view computed(text, compared_digits);
+            char text[reference_group];
+            reader.read(position - reference_group, text, reference_group);
+            const std::string_view computed(text, reference_group);
             result.position = position;
-            if (take_number(computed) != expected || !computed.empty()) {
+            if (computed.find_first_not_of("0123456789") != std::string_view::npos ||
+                console::parse_decimal(computed) != expected) {
                 result.kind = SpotCheckResult::Kind::mismatch;
                 break;
             }

@@ -2,22 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 
 #include "digitfiles/digit_reader.h"
+#include "sessions/reference_digits.h"
 
 namespace kelvara {
-
-// What is known of a constant: the ten digits that end at a position, as a decimal integer. Positions count
-// from 1 behind the point.
-using ReferenceDigits = std::map<std::uint64_t, std::uint64_t>;
-
-// A line is a position, a vertical bar and digits, with blanks or tabulators around each; commas within a
-// number are ignored. Lines without a bar, and those of positions below 10, mean nothing. Of a position that
-// occurs twice the first line counts, and "Error parsing digit file: Duplicate entries." is printed.
-ReferenceDigits parse_reference_digits(std::string_view text);
 
 struct SpotCheckResult {
     enum class Kind { passed, mismatch, no_file, no_entry };

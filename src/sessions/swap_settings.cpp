@@ -14,9 +14,13 @@ namespace {
 // Where the system does not tell what it has.
 constexpr std::uint64_t modest_memory = std::uint64_t{1} << 30;
 
+// What is available changes all the time: in whole steps, it is still there a moment later.
+constexpr std::uint64_t memory_step = std::uint64_t{64} << 20;
+
 std::uint64_t default_memory_cap(const PhysicalMemory& memory) {
-    if (memory.available != 0) return memory.available;
-    return memory.total != 0 ? memory.total : modest_memory;
+    const std::uint64_t bytes = memory.available != 0 ? memory.available : memory.total;
+    if (bytes == 0) return modest_memory;
+    return bytes < memory_step ? bytes : bytes - bytes % memory_step;
 }
 
 }  // namespace

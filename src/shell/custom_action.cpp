@@ -1,6 +1,7 @@
 #include "shell/custom_action.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -91,7 +92,11 @@ const OptionTable<CustomSettings>& option_table() {
 void choose_constant(CustomSettings& settings, CommandLine& command_line) {
     const auto [key, value] = command_line.take_pair();
     std::unique_ptr<Constant> constant = make_constant(constant_id(key));
-    constant->set_argument(console::parse_decimal(value));
+    const std::optional<std::uint64_t> argument = console::parse_decimal_that_fits(value);
+    if (!argument && constant->argument()) {
+        throw qmp::InvalidParametersException("", value + " is out of range.");
+    }
+    constant->set_argument(argument.value_or(0));
     settings.current().set_constant(std::move(constant));
 }
 

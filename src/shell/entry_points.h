@@ -8,6 +8,7 @@
 namespace kelvara {
 
 class CommandLine;
+struct Checkpoint;
 
 // "Custom Compute a Constant", from default settings.
 void run_custom_compute_menu();
@@ -26,6 +27,9 @@ void run_bbp_extractor();
 void run_ordalis();
 void run_log_formula_generator();
 void run_swap_multiply_test();
+
+// The computation of a checkpoint that was found at start, to its end.
+void run_resumed_computation(const Checkpoint& checkpoint);
 
 // The "config" action: consumes its keyword and runs a saved configuration.
 void run_configuration_file(CommandLine& command_line);

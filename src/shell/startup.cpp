@@ -9,6 +9,7 @@
 #include "shell/feature_check.h"
 #include "shell/group_check.h"
 #include "shell/leading_flags.h"
+#include "shell/resume_check.h"
 
 namespace kelvara {
 
@@ -27,7 +28,7 @@ int start_up(CommandLine& command_line, Dispatcher dispatcher) {
     qmp::core_table();
     qmp::numa_table();
     qmp::console::newline();
-    dispatcher(command_line, integrity_check);
+    if (!resume_interrupted_computation(integrity_check)) dispatcher(command_line, integrity_check);
     return 0;
 }
 

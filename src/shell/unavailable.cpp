@@ -26,14 +26,15 @@ void run_io_benchmark_action(CommandLine&) {
     run_io_analysis_menu();
 }
 
+void run_resumed_computation(const Checkpoint&) {
+    not_available("Resuming a computation");
+}
+
 void run_bbp_extractor() {
     not_available("The BBP digit extractor");
 }
 void run_ordalis() {
     not_available("Ordalis");
-}
-void run_log_formula_generator() {
-    not_available("The log formula generator");
 }
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "errors/file_exception.h"
@@ -140,6 +141,18 @@ TEST_F(TextFiles, FailWithThePathAndTheCode) {
     qmp::os::File writer;
     ASSERT_EQ(writer.create(folder_.path("busy.txt")), qmp::os::no_error);
     expect_failure(folder_.path("busy.txt"), qmp::os::sharing_violation);
+}
+
+TEST_F(TextFiles, AreNotReadWithoutAnEnd) {
+    const std::string path = put("text");
+    std::filesystem::resize_file(std::filesystem::path(path), qmp::largest_text_file + 1);
+    try {
+        read_text_file(path);
+        FAIL();
+    } catch (const qmp::FileIO::FileException& exception) {
+        EXPECT_EQ(exception.message(), "Unable to read file.");
+        EXPECT_EQ(exception.error_code(), qmp::os::file_too_large);
+    }
 }
 
 }  // namespace

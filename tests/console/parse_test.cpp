@@ -27,6 +27,16 @@ TEST(Parse, DecimalStopsAtTheFirstOtherCharacter) {
     EXPECT_EQ(parse_decimal(too_long), largest);
 }
 
+TEST(Parse, DecimalsThatFit) {
+    EXPECT_EQ(parse_decimal_that_fits(""), 0u);
+    EXPECT_EQ(parse_decimal_that_fits("8x"), 8u);
+    EXPECT_EQ(parse_decimal_that_fits("18446744073709551615"), largest);
+    EXPECT_EQ(parse_decimal_that_fits("00000000000000000000000018446744073709551615 "), largest);
+    EXPECT_EQ(parse_decimal_that_fits("18446744073709551616"), std::nullopt);
+    EXPECT_EQ(parse_decimal_that_fits("184467440737095516150"), std::nullopt);
+    EXPECT_EQ(parse_decimal_that_fits(too_long), std::nullopt);
+}
+
 TEST(Parse, CommandLineSuffixesAreDecimalInEitherCase) {
     EXPECT_EQ(parse_int_with_suffix("25m"), 25'000'000u);
     EXPECT_EQ(parse_int_with_suffix("25M"), 25'000'000u);

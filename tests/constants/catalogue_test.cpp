@@ -211,15 +211,5 @@ TEST(Catalogue, AnAlgorithmOutOfRangeMakesNoComputation) {
     }
 }
 
-TEST(Catalogue, SaysWhatThisBuildCannotCompute) {
-    for (std::uint32_t id : {0u, 1u, 4u, 5u, 6u, 7u, 8u, 9u, 10u}) {
-        const auto constant = make_constant(id);
-        EXPECT_EQ(refusal([&] { constant->make_ram_computation(1); }),
-                  constant->full_name() + " is not available in this build yet.");
-    }
-    EXPECT_EQ(refusal([] { make_constant(id_log)->ask_algorithm(); }),
-              "Log(2) is not available in this build yet.");
-}
-
 }  // namespace
 }  // namespace kelvara

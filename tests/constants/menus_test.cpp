@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "constants/catalogue.h"
+#include "constants/log_generator.h"
 #include "support/console.h"
 #include "support/standard_streams.h"
 
@@ -63,13 +64,6 @@ TEST(ArgumentPrompt, RefusesPerfectSquares) {
 }
 
 TEST(ArgumentPrompt, OfTheOthers) {
-    const auto log = make_constant(id_log);
-    EXPECT_EQ(printed_by([&] {
-                  FedInput input("2147483648\n10\n");
-                  log->ask_argument();
-              }),
-              "Log(n)\nn = n = ");
-    EXPECT_EQ(log->full_name(), "Log(10)");
     const auto brent = make_constant(id_euler_gamma_override);
     EXPECT_EQ(printed_by([&] {
                   FedInput input("64\n12\n");
@@ -79,6 +73,31 @@ TEST(ArgumentPrompt, OfTheOthers) {
     EXPECT_EQ(*brent->argument(), 12u);
     const auto pi = make_constant(id_pi);
     EXPECT_EQ(printed_by([&] { pi->ask_argument(); }), "");
+}
+
+// The formulas are generated as soon as the argument is known, and shown by the menu.
+TEST(ArgumentPrompt, OfLogarithmsGeneratesFormulas) {
+    const auto log = make_constant(id_log);
+    std::string text = printed_by([&] {
+        FedInput input("2147483648\n1\n-5\n1001\n");
+        log->ask_argument();
+    });
+    EXPECT_EQ(text.find("Log(n)\nn = n = n = n = Generating Primary Formula...       "), 0u) << text;
+    EXPECT_NE(text.find(" seconds\nGenerating Secondary Formula...     "), std::string::npos) << text;
+    EXPECT_EQ(log->full_name(), "Log(1001)");
+
+    const LogFormulas formulas = log_formulas(1001, log_units(100));
+    const auto entry = [](const char* number, const LogFormula& formula) {
+        return number + printed_by([&] { print_log_formula(1001, formula, log_units(12345)); });
+    };
+    log->set_size(12345);
+    text = printed_by([&] {
+        FedInput input("2\n1\n");
+        log->ask_algorithm();
+    });
+    EXPECT_EQ(text, "Select an Algorithm:\n\n" + entry("   0    ", formulas.primary) +
+                        entry("   1    ", formulas.secondary) + "\nAlgorithm: Algorithm: ");
+    EXPECT_EQ(log->algorithm(), 1u);
 }
 
 struct AlgorithmMenu {

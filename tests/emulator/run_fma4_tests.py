@@ -17,9 +17,12 @@ import boot_image
 import bochs
 
 PROCESSOR = "zambezi"
-FILTER = "EveryLevel/*/FMA4*:*LevelsAgree*"
+# The emulator is a thousand times slower than a processor: what only repeats a kernel with more rows, or
+# with multipliers between the first and the last, runs on the other levels alone.
+LEFT_OUT = "*WhenLarge/*:*Multiplier3:*Multiplier5"
+FILTER = f"EveryLevel/*/FMA4*:*LevelsAgree*:-{LEFT_OUT}"
 END = r"The program ended with .*\."
-SECONDS = 500
+SECONDS = 1000
 SKIPPED = 77
 
 

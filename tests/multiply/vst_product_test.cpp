@@ -216,14 +216,16 @@ TEST(VstWindows, EveryEdge) {
 }
 
 // Modulo R^n - 1 and R^n + 1, from transformed operands.
-TEST_P(VstProduct, WrapsAround) {
-    constexpr std::uint64_t most = 9000;
-    TwiddledContext own(2 * most, std::max(scratch_bytes(qmp::vst::vst_params(64 * most), 1),
-                                           qmp::fft::algorithm64().psize(2 * most, 1)));
+// The listed sizes with capacities of more than `above` words, and up to `most`.
+void expect_wrapped_products(std::uint64_t above, std::uint64_t most) {
+    TwiddledContext own(std::max(2 * most, shortest),
+                        std::max(scratch_bytes(qmp::vst::vst_params(64 * most), 1),
+                                 qmp::fft::algorithm64().psize(2 * most, 1)));
     Random random(23);
     for (const SizeParams& size : sizes_up_to(most)) {
         const VstTransformParameters parameters(size);
         const std::uint64_t n = parameters.convolution_words();
+        if (size.capacity_bits <= 64 * above) continue;
         for (Pattern pattern : {Pattern::uniform, Pattern::ones, Pattern::runs}) {
             const Words a = make_words(random, n, pattern), b = make_words(random, n, pattern);
             const Words whole = fft_product_of(own.context(), a, b);
@@ -265,6 +267,14 @@ TEST_P(VstProduct, WrapsAround) {
             ASSERT_EQ(minus_one, borrow != 0);
         }
     }
+}
+
+TEST_P(VstProduct, WrapsAround) {
+    expect_wrapped_products(0, 3000);
+}
+
+TEST_P(VstProduct, WrapsAroundWhenLarge) {
+    expect_wrapped_products(3000, 9000);
 }
 
 // Residues of R^n + 1 that n words do not hold.

@@ -2,11 +2,11 @@
 
 import os
 import re
-import shutil
 import unittest
 
-import kelvara_program
+from installed_program import InstalledProgram
 from kelvara_program import ProgramTest
+from terminal_session import ON_WINDOWS
 
 # The path of the validator's file is an answer; this is where it is asked for.
 PROMPT = "Benchmark Validator\n\nEnter Path of Validation File:\n"
@@ -78,6 +78,7 @@ class ValidationFile(ProgramTest):
         self.assertIn("\nUnable to open validation file: missing.txt\nError Code 2: Path does not exist.\n",
                       self.validate("missing"))
 
+    @unittest.skipIf(ON_WINDOWS, "a process cannot stand in a folder that is gone")
     def test_where_nothing_can_be_written(self):
         locked = os.path.join(self.folder, "locked")
         os.mkdir(locked)
@@ -102,37 +103,7 @@ class ValidationFile(ProgramTest):
         self.assertIn("There is no more input: the program ends here.", output)
 
 
-class InstalledProgram(ProgramTest):
-    """A copy of the program in a folder of its own, with what it looks for beside it."""
-
-    def setUp(self):
-        super().setUp()
-        self.installed = os.path.join(self.folder, "installed")
-        os.makedirs(self.installed)
-        self.program = shutil.copy(kelvara_program.PROGRAM[-1], self.installed)
-        self.results = os.path.join(self.folder, "results")
-        os.mkdir(self.results)
-
-    def install(self, name, text):
-        path = os.path.join(self.installed, name)
-        os.makedirs(os.path.dirname(path), exist_ok=True)
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(text)
-
-    def run_installed(self, *arguments, **options):
-        before = kelvara_program.PROGRAM
-        kelvara_program.PROGRAM = before[:-1] + [self.program]
-        try:
-            return self.run_program(*arguments, cwd=self.results, **options)
-        finally:
-            kelvara_program.PROGRAM = before
-
-    def validation_file(self):
-        names = [name for name in os.listdir(self.results) if name.startswith("Pi - 2")]
-        self.assertEqual(len(names), 1, names)
-        with open(os.path.join(self.results, names[0]), "rb") as file:
-            return file.read()
-
+class Installed(InstalledProgram):
     def test_a_benchmark_succeeds_when_its_digits_agree(self):
         self.install("Digits/Pi.txt", "1,000 | 2164201989\n1,000,000 | 5779458151\n")
         code, output = self.run_installed("bench", "-TD", "1M:1")
@@ -141,7 +112,7 @@ class InstalledProgram(ProgramTest):
         self.assertIn("\nMulti-Threading:      None (No Multi-threading)  ->  1 / ", output)
         self.assertIn("\nSpot Check: Good through 1,000,000\n"
                       "Benchmark Successful. The digits appear to be OK.\n\n", output)
-        self.assertIn(b"Spot Check:                Good through 1,000,000\r\n", self.validation_file())
+        self.assertIn(b"Spot Check:                Good through 1,000,000\r\n", self.validation_text())
 
     def test_a_benchmark_with_other_digits_does_not(self):
         self.install("Digits/Pi.txt", "1,000 | 2164201989\n10,000 | 5256375679\n")
@@ -149,31 +120,54 @@ class InstalledProgram(ProgramTest):
         self.assertEqual(code, 0)
         self.assertIn("\nSpot Check: Mismatch at 10,000\n\n", output)
         self.assertNotIn("Benchmark Successful", output)
-        self.assertIn(b"Spot Check:                Mismatch at 10,000\r\n", self.validation_file())
+        self.assertIn(b"Spot Check:                Mismatch at 10,000\r\n", self.validation_text())
 
     def test_without_reference_digits(self):
         _, output = self.run_installed("custom", "pi", "-dec:1000")
         self.assertIn("\nSpot Check: Unavailable - Digit file not found.\n\n", output)
-        self.assertIn(b"Spot Check:                Not Available\r\n", self.validation_file())
+        self.assertIn(b"Spot Check:                Not Available\r\n", self.validation_text())
 
     def test_the_user_has_a_name(self):
         self.install("Username.txt", "Username: Somebody\n")
         self.run_installed("custom", "pi", "-dec:1000")
-        self.assertIn(b"\r\nUser:                  Somebody\r\n", self.validation_file())
+        self.assertIn(b"\r\nUser:                  Somebody\r\n", self.validation_text())
 
     def test_another_executable_does_not_accept_the_file(self):
         self.run_installed("custom", "pi", "-dec:1000")
-        (name,) = [name for name in os.listdir(self.results) if name.startswith("Pi - 2")]
-        answer = os.path.join(self.folder, "answer")
-        with open(answer, "w", encoding="utf-8") as file:
-            file.write(name + "\n")
-        with open(answer, encoding="utf-8") as file:
-            self.assertIn("Validation Passed!", self.run_installed("validate", stdin=file)[1])
+        self.assertIn("Validation Passed!", self.validate(self.validation_file()))
         # The same program with one byte more at its end.
         with open(self.program, "ab") as file:
             file.write(b"\0")
+        self.assertIn("Validation Failed: Invalid Hash", self.validate(self.validation_file()))
+
+    def test_nor_does_one_whose_texts_were_changed(self):
+        self.run_installed("custom", "pi", "-dec:1000")
+        original = self.validation_file()
+        with open(self.program, "rb") as file:
+            content = file.read()
+        patched = content.replace(b"Benchmark Validator\0", b"Benchmark validator\0")
+        self.assertNotEqual(patched, content)
+        with open(self.program, "wb") as file:
+            file.write(patched)
+        self.assertIn("Validation Failed: Invalid Hash", self.run_patched_validator(original))
+        # What it writes itself it takes for good, and the published program does not.
+        os.rename(original, os.path.join(self.folder, "original.txt"))
+        self.run_installed("custom", "pi", "-dec:1000")
+        self.assertIn("Validation Passed!", self.run_patched_validator(self.validation_file()))
+        with open(self.program, "wb") as file:
+            file.write(content)
+        self.assertIn("Validation Failed: Invalid Hash", self.validate(self.validation_file()))
+        self.assertIn("Validation Passed!", self.validate(os.path.join(self.folder, "original.txt")))
+
+    def run_patched_validator(self, path):
+        answer = os.path.join(self.folder, "answer")
+        with open(answer, "w", encoding="utf-8") as file:
+            file.write(path + "\n")
         with open(answer, encoding="utf-8") as file:
-            self.assertIn("Validation Failed: Invalid Hash", self.run_installed("validate", stdin=file)[1])
+            code, output = self.run_installed("validate", stdin=file)
+        self.assertEqual(code, 0, output)
+        self.assertIn("\nBenchmark validator\n", output)
+        return output
 
 
 if __name__ == "__main__":

@@ -28,6 +28,18 @@ class Signals(unittest.TestCase):
             self.assert_left_as_found(session, signal.SIGINT)
             self.assertNotIn("There is no more input", session.text())
 
+    def test_the_interrupt_key_at_other_prompts(self):
+        for route, prompt in ((("1", "0"), "n = "), (("3",), "Digits: "), (("5",), "Path: "),
+                              (("8", "2"), "Task Decomposition: ")):
+            with self.subTest(prompt=prompt), Session("custom") as session:
+                for answer in route:
+                    session.answer("option: ", answer)
+                session.wait_for(prompt)
+                # An answer that nobody finished is no answer.
+                session.type("12\x03")
+                self.assert_left_as_found(session, signal.SIGINT)
+                self.assertNotIn("There is no more input", session.text())
+
     def test_every_ending_signal_at_a_prompt(self):
         for number in (signal.SIGTERM, signal.SIGINT, signal.SIGQUIT, signal.SIGHUP):
             with Session() as session:
@@ -110,17 +122,6 @@ class Colours(ProgramTest):
 
 
 class EndOfInput(ProgramTest):
-    def test_at_every_prompt_of_the_menus(self):
-        end = "There is no more input: the program ends here."
-        for typed, prompts in ((b"", 1), (b"-1\n8\n", 3), (b"6\n", 2), (b"6\n9\n", 3)):
-            with open(self.folder + "/typed", "wb") as file:
-                file.write(typed)
-            with open(self.folder + "/typed", "rb") as stdin:
-                code, output = self.run_program(stdin=stdin)
-            self.assertEqual(code, 1)
-            self.assertTrue(output.endswith(end + "\n"), output)
-            self.assertEqual(output.count("option: "), prompts)
-
     def test_a_line_without_its_end_is_an_answer(self):
         with open(self.folder + "/typed", "wb") as file:
             file.write(b"7")

@@ -1,12 +1,8 @@
-"""Runs the real program, through pipes or through a pseudo-terminal, for the tests in this folder."""
+"""Runs the real program, through pipes, for the tests in this folder; terminal_session.py has the terminal."""
 
 import os
-import pty
-import re
-import select
 import subprocess
 import tempfile
-import time
 import unittest
 
 PROGRAM = os.environ["KELVARA_PROGRAM"].split()
@@ -41,35 +37,3 @@ class ProgramTest(unittest.TestCase):
         self.assertIn(text, output)
         self.assertNotIn("Begin Computation", output)
         self.assertEqual(code, exit_code, output)
-
-
-def run_in_terminal(arguments, keys=b"", seconds=120):
-    """Runs on a pseudo-terminal, typing `keys` as soon as it starts. Returns (exit code, screen bytes)."""
-    pid, master = pty.fork()
-    if pid == 0:
-        os.execvp(PROGRAM[0], PROGRAM + list(arguments))
-    if keys:
-        os.write(master, keys)
-    seen = b""
-    deadline = time.monotonic() + seconds
-    while time.monotonic() < deadline:
-        ready, _, _ = select.select([master], [], [], 1.0)
-        if not ready:
-            continue
-        try:
-            piece = os.read(master, 65536)
-        except OSError:
-            break
-        if not piece:
-            break
-        seen += piece
-    else:
-        os.kill(pid, 9)
-    _, status = os.waitpid(pid, 0)
-    os.close(master)
-    return os.waitstatus_to_exitcode(status), seen
-
-
-def without_colours(screen):
-    """The text of a screen, without colour and cursor sequences."""
-    return re.sub(rb"\x1b\[[0-9;?]*[A-Za-z]", b"", screen).decode("utf-8", "replace").replace("\r\n", "\n")

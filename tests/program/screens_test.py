@@ -63,7 +63,7 @@ class MainMenu(unittest.TestCase):
             with Session() as session:
                 session.answer("option: ", choice)
                 if choice == "6":
-                    session.answer("option: ", "1")
+                    session.answer("option: ", "4")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
 
@@ -112,7 +112,6 @@ class AdvancedOptions(unittest.TestCase):
 
     def test_every_entry(self):
         answers = {
-            "1": "The log formula generator is not available in this build yet.",
             "2": "  * x64         = Yes\n",
             "4": "The swap multiplication test is not available in this build yet.",
         }
@@ -120,6 +119,18 @@ class AdvancedOptions(unittest.TestCase):
             with Session() as session:
                 self.open(session, choice)
                 self.assertEqual(session.end(), 0)
+                self.assertIn(text, session.text())
+
+    def test_the_log_formula_generator(self):
+        with Session() as session:
+            self.open(session, "1")
+            session.answer("\nLog(n)\nn = ", "2")
+            session.answer("\nDecimal Digits\ndec = ", "1m")
+            self.assertEqual(session.end(), 0)
+            for text in ("\nGenerating Secondary Formula...     ",
+                         "\nPrimary Formula:\nLog[2] = \n18 * ArcCoth[26]\n-2 * ArcCoth[4801]\n8 * ArcCoth[8749]\n"
+                         "\n        Cost = ",
+                         "\nSecondary Formula:\nLog[2] = \n144 * ArcCoth[251]\n"):
                 self.assertIn(text, session.text())
 
     def test_the_validator_asks_for_a_file(self):
@@ -134,7 +145,7 @@ class AdvancedOptions(unittest.TestCase):
             self.open(session, "5")
             session.answer("option: ", "-1")
             session.answer("option: ", "99999999999999999999")
-            session.answer("option: ", "1")
+            session.answer("option: ", "4")
             self.assertEqual(session.end(), 0)
             self.assertEqual(session.text().count("option: "), 5)
 

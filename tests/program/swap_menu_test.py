@@ -79,6 +79,8 @@ class SwapMenu(ProgramTest):
 
     def test_to_the_letter(self):
         with self.menu() as session:
+            # An amount that no machine has to be warned of.
+            self.choose(session, "11", "1", ("Bytes: ", "1MB"), "0")
             self.leave(session)
             self.assertTrue(session.shows(MODES), session.coloured())
             self.assertTrue(session.shows("2      Swap Mode         >".ljust(28) + "<y>not available in this build yet"),

@@ -50,14 +50,14 @@ def without_marks(text):
 
 
 def with_visible_colours(text):
-    """Colours only where they can be seen: at the first character of a line, and where they change."""
-    shown = wanted = None
+    """Colours only where they can be seen: where a line stops being white, and where they change in it."""
+    shown = wanted = "<white>"
     pieces = []
     for token in re.findall(f"{MARK}|\n|[ ]+|[^\n <]+|<", text):
         if re.fullmatch(MARK, token):
             wanted = token
         elif token == "\n":
-            shown = None
+            shown = "<white>"
             pieces.append(token)
         else:
             if token[0] != " " and wanted != shown:
@@ -67,6 +67,31 @@ def with_visible_colours(text):
     return "".join(pieces)
 
 
+def coloured_characters(text):
+    """Every character of a text with its colour: None for blanks, and before the first colour."""
+    colour = None
+    characters = []
+    for token in re.findall(f"{MARK}|[^<]|<", text):
+        if re.fullmatch(MARK, token):
+            colour = token
+        else:
+            characters.append((token, None if token.isspace() else colour))
+    return characters
+
+
+def stands_in(expected, screen):
+    """Whether a text with colour letters stands on a screen, colours compared where they can be seen."""
+    wanted = coloured_characters(expected)
+    shown = coloured_characters("<white>" + screen)
+    text = without_marks(screen)
+    place = text.find(without_marks(expected))
+    while place >= 0:
+        if all(colour in (None, there) for (_, colour), (_, there) in zip(wanted, shown[place:])):
+            return True
+        place = text.find(without_marks(expected), place + 1)
+    return False
+
+
 class Session:
     """A run of the program; a context manager that leaves no process behind.
 
@@ -74,12 +99,15 @@ class Session:
     nothing; as its `leader` the program would find itself in a window of its own.
     """
 
-    def __init__(self, *arguments, columns=100, rows=400, environment=None, leader=False):
+    def __init__(self, *arguments, columns=100, rows=400, environment=None, leader=False,
+                 processors=None):
         self.seen = b""
         self._searched = 0
         self._ended = None
         self.pid, self.master = pty.fork()
         if self.pid == 0:
+            if processors:
+                os.sched_setaffinity(0, processors)
             fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
             if ON_WINDOWS:
                 tty.setraw(0)
@@ -138,10 +166,25 @@ class Session:
             if not self.read(deadline - time.monotonic()):
                 raise AssertionError(f"{text!r} did not appear in\n{self.text()}")
 
+    def searched_to_the_end(self):
+        """All that is shown counts as waited for."""
+        self._searched = len(self.text())
+
+    def stands_at_coloured_prompt(self):
+        """Whether the last that came is what was waited for, and behind it the colour of an answer."""
+        screen = self.coloured()
+        return (self._searched > 0 and len(without_marks(screen)) == self._searched
+                and re.search("<[A-Za-z]>$", screen) is not None)
+
     def settle(self):
-        """Reads until the program is silent for a moment: it waits, its prompt's colour is set."""
+        """Reads until the program waits: its prompt's colour is set, or it is silent for a moment.
+
+        A terminal echoes at once, in the colour that it has by then; a console when the program reads.
+        """
+        if ON_WINDOWS:
+            return
         deadline = time.monotonic() + 2
-        while self.read(0.1) and time.monotonic() < deadline:
+        while not self.stands_at_coloured_prompt() and self.read(0.1) and time.monotonic() < deadline:
             pass
 
     def type(self, keys):
@@ -188,5 +231,5 @@ class Session:
     def shows(self, expected):
         """Whether a text with colour letters stands on the screen. Wine sets colours where they show only."""
         if ON_WINDOWS:
-            return with_visible_colours(expected) in with_visible_colours(self.coloured())
+            return stands_in(expected, self.coloured())
         return expected in self.coloured()

@@ -116,7 +116,8 @@ std::optional<Outcome> straight(std::uint64_t a, std::uint64_t b, Capacities cap
     bool applies = false;
     const Outcome result = outcome_of(capacity, [&](BasicInt& P, BasicInt& Q, BasicInt& R) {
         ExactFloat out[] = {{P.T, P.AL}, {Q.T, Q.AL}, {R.T, R.AL}};
-        applies = qmp::leaf::sum_leaf<PiTerms<typename Kernels::Numbers>, Bits>(out[0], out[1], out[2], a, b);
+        applies =
+            qmp::leaf::sum_leaf<Bits>(PiTerms<typename Kernels::Numbers>(), out[0], out[1], out[2], a, b);
         if (applies) {
             take(P, out[0]), take(Q, out[1]), take(R, out[2]);
         } else {

@@ -1,6 +1,7 @@
 // Whole sessions against reference digits: every algorithm of a constant, exact files.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "platform/sha2.h"
@@ -20,13 +21,13 @@ std::string sha256_of(const std::string& text) {
     return qmp::to_hexadecimal(digest.finish());
 }
 
-class GoldenDigits : public testing::TestWithParam<Algorithm> {};
-
-TEST_P(GoldenDigits, FilesMatchTheReference) {
-    for (const std::uint64_t digits : {100, 1000, 10000, 100000, 1000000}) {
-        SCOPED_TRACE(digits);
-        const auto reference = kelvara_test::reference_digits(GetParam().constant, digits);
-        const Outcome result = run_session(GetParam(), digits, 2, "pushpool");
+// The files of a session against the reference digits of that name.
+void expect_reference_files(const Algorithm& algorithm, const std::string& name,
+                            std::initializer_list<std::uint64_t> sizes) {
+    for (const std::uint64_t digits : sizes) {
+        SCOPED_TRACE(name + ", " + std::to_string(digits));
+        const auto reference = kelvara_test::reference_digits(name, digits);
+        const Outcome result = run_session(algorithm, digits, 2, "pushpool");
         EXPECT_EQ(sha256_of(result.decimal), reference.sha256);
         EXPECT_EQ(sha256_of(result.hexadecimal), reference.hex_sha256);
         EXPECT_EQ(result.decimal_output.hash, reference.hash);
@@ -41,8 +42,41 @@ TEST_P(GoldenDigits, FilesMatchTheReference) {
     }
 }
 
+class GoldenDigits : public testing::TestWithParam<Algorithm> {};
+
+TEST_P(GoldenDigits, FilesMatchTheReference) {
+    expect_reference_files(GetParam(), GetParam().constant, {100, 1000, 10000, 100000, 1000000});
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, GoldenDigits, testing::ValuesIn(kelvara_test::pi_and_e),
                          kelvara_test::algorithm_test_name);
+
+TEST(GoldenDigitsOf, SquareRootsAndTheGoldenRatio) {
+    expect_reference_files({"sqrt", "newton", "Newton", 2}, "sqrt(2)", {100, 1000, 10000, 100000, 1000000});
+    expect_reference_files({"sqrt", "newton", "Newton", 200}, "sqrt(200)", {100, 1000, 10000, 100000});
+    expect_reference_files({"sqrt", "newton", "Newton", 125}, "sqrt(125)", {100, 1000, 10000, 100000});
+    expect_reference_files({"goldenratio", "newton", "Newton"}, "golden",
+                           {100, 1000, 10000, 100000, 1000000});
+}
+
+// The digits of 10 x are those of x one place further.
+void expect_shifted(const Algorithm& one, const Algorithm& ten_times, const std::string& shared) {
+    for (const std::uint64_t digits : {100, 12345, 54321}) {
+        const std::string x = run_session(one, digits, 2, "pushpool").decimal;
+        const std::string ten_x = run_session(ten_times, digits, 2, "pushpool").decimal;
+        const std::size_t point = ten_x.find('.');
+        ASSERT_EQ(x.find('.'), 1u);
+        // What stands behind the point of 10 x begins one digit behind the point of x.
+        EXPECT_EQ(x.substr(3), ten_x.substr(point + 1, digits - 1)) << digits;
+        EXPECT_EQ(ten_x.substr(0, point), shared);
+    }
+}
+
+TEST(GoldenDigitsOf, TheVerificationsThatTheMenusName) {
+    expect_shifted({"sqrt", "newton", "Newton", 2}, {"sqrt", "newton", "Newton", 200}, "14");
+    // 10 times the golden ratio is sqrt(125) + 5.
+    expect_shifted({"goldenratio", "newton", "Newton"}, {"sqrt", "newton", "Newton", 125}, "11");
+}
 
 }  // namespace
 }  // namespace kelvara

@@ -126,15 +126,6 @@ TEST_F(SavedComputation, FilesOfOtherActionsAreRefused) {
               "Invalid Action: customcompute");
 }
 
-TEST_F(SavedComputation, WhatThisBuildCannotComputeIsNotRun) {
-    RamSettings settings;
-    settings.set_constant(make_constant(id_catalan));
-    save(settings, "catalan");
-    EXPECT_EQ(load("catalan"), settings.write_config().to_text(0));
-    EXPECT_EQ(message_of<qmp::InvalidParametersException>([] { run_configuration("catalan"); }),
-              "Cannot run computation with these parameters.");
-}
-
 TEST_F(SavedComputation, OfSwapModeComesBackAndIsNotRun) {
     SwapSettings settings;
     settings.set_decimal_digits(12'345);

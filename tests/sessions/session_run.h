@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "constants/catalogue.h"
 #include "sessions/ram_session.h"
@@ -23,6 +24,7 @@ struct Algorithm {
     const char* constant;  // key of the catalogue
     const char* keyword;
     const char* file_name;  // of the algorithm, in the digit files' names
+    std::uint64_t argument = 0;  // of the constants that have one
 };
 
 constexpr Algorithm pi_and_e[] = {
@@ -41,6 +43,7 @@ inline void PrintTo(const Algorithm& algorithm, std::ostream* stream) {
 // "pi_chudnovsky_reduced", for test names.
 inline std::string algorithm_test_name(const testing::TestParamInfo<Algorithm>& info) {
     std::string name = std::string(info.param.constant) + "_" + info.param.keyword;
+    if (info.param.argument) name += "_" + std::to_string(info.param.argument);
     for (char& c : name) {
         if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
     }
@@ -72,7 +75,9 @@ inline Outcome run_session(const Algorithm& algorithm, std::uint64_t digits, std
     // The validation file goes where the program is started.
     const WorkingFolder work(folder.path());
     kelvara::RamSettings settings;
-    settings.set_constant(kelvara::make_constant(kelvara::constant_id(algorithm.constant)));
+    auto constant = kelvara::make_constant(kelvara::constant_id(algorithm.constant));
+    if (algorithm.argument) constant->set_argument(algorithm.argument);
+    settings.set_constant(std::move(constant));
     settings.set_algorithm(algorithm.keyword);
     settings.set_decimal_digits(digits);
     settings.set_framework(framework);

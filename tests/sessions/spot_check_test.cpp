@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 #include "support/console.h"
 #include "support/folder.h"
@@ -27,8 +28,14 @@ TEST(ReferenceDigits, LinesOfPositionBarAndDigits) {
         "| 77\n"
         "x | 88\n"
         "40 |\n"
+        "18,446,744,073,709,551,676 | 60 if it were taken modulo 2^64\n"
         "50 | 99");
-    EXPECT_EQ(entries, (ReferenceDigits{{10, 1234567890}, {20, 5}, {40, 0}, {50, 99}, {1000, 42}}));
+    EXPECT_EQ(entries, (ReferenceDigits{{10, 1234567890},
+                                        {20, 5},
+                                        {40, 0},
+                                        {50, 99},
+                                        {1000, 42},
+                                        {std::numeric_limits<std::uint64_t>::max(), 60}}));
     EXPECT_TRUE(parse_reference_digits("").empty());
 }
 

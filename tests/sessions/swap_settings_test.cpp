@@ -25,10 +25,11 @@ std::string answer(SwapSettings& settings, std::int64_t option, const char* answ
     });
 }
 
-TEST(SwapSettings, UsesTheMemoryThatIsAvailable) {
+TEST(SwapSettings, UsesTheMemoryThatIsAvailableInSteps) {
     EXPECT_EQ(SwapSettings({.total = 100, .available = 60}).memory_cap(), 60u);
     EXPECT_EQ(SwapSettings({.total = 100, .available = 0}).memory_cap(), 100u);
     EXPECT_EQ(SwapSettings({.total = 0, .available = 0}).memory_cap(), 1u << 30);
+    EXPECT_EQ(SwapSettings({.total = 0, .available = 1000 * mebibyte}).memory_cap(), 960 * mebibyte);
     EXPECT_EQ(SwapSettings({.total = 0, .available = UINT64_MAX}).memory_cap(), 0x6ffffffffffffff9u);
 }
 

@@ -226,6 +226,17 @@ TEST(ValidatorScreen, AddsTheExtensionAndTellsTheEncoding) {
         "Total Time:         2.062 seconds\n";
     EXPECT_EQ(printed_by([&] { validate_file(folder.path("a"), test_sealer()); }), expected);
     EXPECT_EQ(printed_by([&] { validate_file(folder.path("a.txt"), test_sealer()); }), expected);
+
+    using namespace std::string_literals;
+    const auto shown = [&](const std::string& bytes) {
+        std::ofstream(folder.native("b.txt"), std::ios::binary) << bytes;
+        return printed_by([&] { validate_file(folder.path("b"), test_sealer()); });
+    };
+    const std::string failure =
+        "\n\n\nValidation Failed: File is either invalid or has been tampered with.\n";
+    EXPECT_EQ(shown("\xff\xfe" + "a\0"s), "File Format: UTF-16 (Little Endian)" + failure);
+    EXPECT_EQ(shown("\xfe\xff" + "\0a"s), "File Format: UTF-16 (Big Endian)" + failure);
+    EXPECT_EQ(shown("a"), "File Format: UTF-8" + failure);
 }
 
 TEST(ValidatorScreen, ReportsAFileThatCannotBeRead) {

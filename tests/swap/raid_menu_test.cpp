@@ -159,7 +159,7 @@ TEST_F(RaidMenu, TheBufferSize) {
 }
 
 TEST_F(RaidMenu, ClearingStartsOver) {
-    const std::string text = edit("3\n2\n\n\n6\n1M\n7\n1\n");
+    edit("3\n2\n\n\n6\n1M\n7\n1\n");
     EXPECT_EQ(summary(), "One path at: ** Default Path **");
     EXPECT_EQ(settings_.buffer_per_file(), RaidSettings::default_buffer);
 }

@@ -109,6 +109,15 @@ TEST(Terminal, HeightAsksForThatManyRows) {
     EXPECT_NE(terminal.output().find("\x1b[8;50;80t"), std::string::npos);
 }
 
+TEST(Terminal, ANonsensicalHeightLeavesTheWindow) {
+    for (const char* flag : {"height", "height:0", "height:-1", "height:-99999999999999999999"}) {
+        PseudoTerminal terminal(driver({flag, "state"}));
+        report_cursor(terminal, 9, 9);
+        EXPECT_EQ(terminal.wait_for_end(), 0);
+        EXPECT_EQ(terminal.output().find("\x1b[8;"), std::string::npos) << flag;
+    }
+}
+
 TEST(Terminal, KeepsWhatWasTypedBeforeTheFirstPrompt) {
     PseudoTerminal terminal(driver({"number", "line"}));
     ASSERT_TRUE(terminal.wait_for("\x1b[6n"));

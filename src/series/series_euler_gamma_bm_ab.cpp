@@ -1,0 +1,214 @@
+#include "series/series_euler_gamma_bm_ab.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "errors/check.h"
+#include "numbers/big_float.h"
+#include "numbers/parallel_copy.h"
+#include "series/exact_sum.h"
+#include "series/leaf_euler_gamma_bm_ab.h"
+#include "series/psr_plan.h"
+#include "series/series_constants.h"
+#include "series/series_sizes.h"
+#include "series/short_merge.h"
+#include "series/transform_pair.h"
+
+namespace qmp {
+
+namespace {
+
+using Buffers = Series_EulerGamma_BM_AB::Buffers;
+
+constexpr std::uint64_t leaf_terms = 16;
+
+// The longest product of folding block i, and of the finishing: two running values of full precision.
+std::uint64_t full_product(const PsrBlock& block) {
+    return 2 * (block.precision_at_a + big_float_extra_precision) + fold_guard_words;
+}
+
+// An exact number in words of its own, for products that are short.
+struct ShortNumber {
+    Word words[longest_short_product + 2];
+    ExactFloat number{words, longest_short_product + 2};
+};
+
+// T is the longest of a half's numbers, but in ranges of a few words.
+std::uint64_t longest(const Buffers& half) {
+    return std::max({half[0].L, half[1].L, half[2].L, half[3].L});
+}
+
+bool is_short_merge(const Buffers& left, const Buffers& right) {
+    return is_short_product(longest(left), longest(right)) && is_short_product(right[1].L, 2 * right[1].L) &&
+           is_short_product(std::max(left[2].L, left[3].L), 3 * right[1].L) &&
+           is_short_product(left[0].L + right[1].L, right[2].L);
+}
+
+void merge_short(Buffers& whole, const Buffers& right) {
+    auto& [P, Q, R, T, A, B] = whole;
+    const ExactFloat& Q1 = right[1];
+    set_short_product(A, Q, right[3]);
+    set_short_product(B, Q, right[0]);
+    ShortNumber R1;
+    R1.number.set_ExactFloat(right[2]);
+    ShortNumber square;
+    set_short_product(square.number, Q1, Q1);
+    ShortNumber cube;
+    set_short_product(cube.number, square.number, Q1);
+
+    multiply_short_in_place(P, Q1);
+    multiply_short_in_place(Q, Q1);
+    Q.strip_low_zero_words();
+    multiply_short_and_add(R, square.number, R1.number, false);
+    multiply_short_in_place(R1.number, P);
+    add_in_place(A, R1.number);
+    multiply_short_and_add(T, cube.number, A, false);
+    add_in_place(P, B);
+}
+
+// As ExactFloat::set_ExactFloat, with all tasks.
+void copy(const MultiplyContext& context, ExactFloat& destination, ExactFloatView source) {
+    require_capacity("Series_EulerGamma_BM_AB::merge()", destination.AL, source.L);
+    parallel_copy(context.parallel(), destination.base, source.T, source.L);
+    destination.T = destination.base;
+    destination.L = source.L;
+    destination.exp = source.exp;
+    destination.hash = source.hash;
+}
+
+}  // namespace
+
+Series_EulerGamma_BM_AB::Series_EulerGamma_BM_AB(std::int32_t exponent)
+    : BinarySplittingSeries(false, 22, leaf_terms), exponent_(exponent), n_(std::ldexp(1.0, exponent)) {}
+
+PlanSizes Series_EulerGamma_BM_AB::SizesForPlan(const PsrPlan& plan, std::uint64_t first,
+                                                std::uint64_t tasks) const {
+    PlanSizes sizes = {};
+    std::uint64_t last_words = 0;
+    for (std::uint64_t i = first; i < plan.blocks.size(); i++) {
+        const PsrBlock& block = plan.blocks[i];
+        const BsrSizes exact = BSR_sizes(*this, block.size, 1, tasks);
+        last_words = exact.words;
+        // A fold keeps two of its values in the space of one exact buffer pair.
+        sizes.exact_words = std::max({sizes.exact_words, exact.words, block.precision_at_a + size_margin});
+        sizes.scratch_bytes = std::max(sizes.scratch_bytes, exact.scratch_bytes);
+    }
+    sizes.scratch_bytes =
+        std::max(sizes.scratch_bytes, TableScratch(full_product(plan.blocks[first]), tasks));
+    sizes.running_words = std::max(plan.blocks[first].precision_at_a + size_margin, 2 * last_words);
+    return sizes;
+}
+
+std::uint64_t Series_EulerGamma_BM_AB::largest_product(const PsrPlan& plan) const {
+    std::uint64_t longest = 0;
+    for (const PsrBlock& block : plan.blocks) {
+        longest = std::max({longest, 2 * (block.size / 2 + size_margin), full_product(block)});
+    }
+    return longest;
+}
+
+double Series_EulerGamma_BM_AB::decay(double x) const {
+    const double ln_n = exponent_ * series_constants().ln_2;
+    const auto log_term = [ln_n](double k) { return 2 * (k * ln_n - log_factorial(k)); };
+    return x <= n_ ? 0 : std::max(0.0, log_term(n_) - log_term(x));
+}
+
+std::uint64_t Series_EulerGamma_BM_AB::TermsForPrecision(std::uint64_t p) const {
+    const double target = static_cast<double>(p) * series_constants().ln_word + 1;
+    const auto reaches = [&](std::uint64_t k) { return decay(static_cast<double>(k)) >= target; };
+    std::uint64_t low = static_cast<std::uint64_t>(n_);
+    std::uint64_t high = std::max<std::uint64_t>(low, 1);
+    while (!reaches(high)) high = high > UINT64_MAX / 2 ? UINT64_MAX : 2 * high;
+    while (high - low > 1) {
+        const std::uint64_t m = low + (high - low) / 2;
+        (reaches(m) ? high : low) = m;
+    }
+    return high + 2;
+}
+
+double Series_EulerGamma_BM_AB::SizeAtIndex(double x) const {
+    const double m = std::min(x, n_);
+    const double log_powers = m * exponent_ * series_constants().ln_2;
+    return 2 * (log_powers - log_factorial(m)) + 3 * (log_factorial(x) + series_constants().ln_ln_word);
+}
+
+std::uint64_t Series_EulerGamma_BM_AB::split(std::uint64_t a, std::uint64_t b) const {
+    return b - a > split_by_cost_above ? cost_split(a, b) : ((a + b + 1) >> 1) & ~std::uint64_t{1};
+}
+
+std::uint64_t Series_EulerGamma_BM_AB::cost_split(std::uint64_t a, std::uint64_t b) const {
+    return find_split(*this, a, b) & ~std::uint64_t{1};
+}
+
+void Series_EulerGamma_BM_AB::leaf(const MultiplyContext&, Buffers& out, std::uint64_t a,
+                                   std::uint64_t b) const {
+    EulerGamma_BM_AB_BSR_End(out[0], out[1], out[2], out[3], exponent_, a, b);
+}
+
+// Nine products, ordered so that each finds a place where nothing is needed any more. The operands of a
+// product are held transformed, or copied, before it is written.
+void Series_EulerGamma_BM_AB::merge(const MultiplyContext& context, Buffers& whole, const Buffers& right,
+                                    bool) {
+    if (is_short_merge(whole, right)) return merge_short(whole, right);
+    auto& [P, Q, R, T, A, B] = whole;
+    const ExactFloatView P1 = right[0];
+    const ExactFloatView Q1 = right[1];
+    const ExactFloatView T1 = right[3];
+    {
+        ExactTransformPair pair(context, Q.L + T1.L);
+        pair.load(0, Q);
+        pair.load(1, T1);
+        pair.multiply(A, 1);  // Q0 T1
+    }
+    const std::uint64_t half = B.AL / 2 & ~std::uint64_t{7};
+    ExactFloat square(B.base, half);
+    ExactFloat product(B.base + half, B.AL - half);
+    ExactFloat cross(right[3].base, right[3].AL);  // where T1 was
+    {
+        ExactTransformPair pair(context, std::max({Q.L + P1.L, Q.L + Q1.L, 2 * Q1.L, P.L + Q1.L}));
+        pair.load(0, Q);
+        pair.load(1, P1);
+        pair.multiply(cross, 1);  // Q0 P1
+        pair.load(1, Q1);
+        pair.multiply(product, 0);  // Q0 Q1
+        pair.square(square, 1);     // Q1^2
+        pair.load(0, P);
+        pair.multiply(P, 0);  // P0 Q1
+    }
+    ExactFloat cube(Q.base, Q.AL);
+    ExactFloat R1(B.base, B.AL);
+    {
+        ExactTransformPair pair(context, square.L + std::max(Q1.L, R.L));
+        pair.load(0, square);
+        pair.load(1, Q1);
+        pair.multiply(cube, 1);  // Q1^3
+        // Above the cube the new Q is in nobody's way.
+        const std::uint64_t capacity = Q.AL;
+        Q = ExactFloat(cube.base + cube.L, capacity - cube.L);
+        copy(context, Q, product);
+        Q.base = cube.base;
+        Q.AL = capacity;
+        Q.strip_low_zero_words();
+        copy(context, R1, right[2]);
+        pair.load(1, R);
+        pair.multiply(R, 1);  // R0 Q1^2
+    }
+    add_in_place(R, R1);
+    {
+        ExactTransformPair pair(context, P.L + R1.L);
+        pair.load(0, P);
+        pair.load(1, R1);
+        pair.multiply(B, 1);  // P0 Q1 R1
+    }
+    add_in_place(A, B);
+    add_in_place(P, cross);
+    {
+        ExactTransformPair pair(context, T.L + cube.L);
+        pair.load(0, T);
+        pair.load(1, cube);
+        pair.multiply(T, 1);  // T0 Q1^3
+    }
+    add_in_place(T, A);
+}
+
+}  // namespace qmp

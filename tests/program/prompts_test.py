@@ -1,0 +1,198 @@
+"""Answers that make no sense, at every prompt of the real program.
+
+The rows of `PROMPTS` are all there is to add for one prompt more. Answers come through a pipe, whose end is the
+last "answer" of every test.
+"""
+
+import os
+import unittest
+
+from kelvara_program import ProgramTest
+from terminal_session import ON_WINDOWS
+
+HUGE = "99999999999999999999999"
+END_OF_INPUT = "There is no more input: the program ends here.\n"
+BIGGEST = 2**64 - 1
+
+
+class Prompt:
+    """A prompt, the answers that lead to it, and what it does with bad ones."""
+
+    def __init__(self, name, route, text, *, again=(), refused=(), goes_on=None, action="custom", when=None):
+        self.name = name
+        self.route = route.split()
+        self.text = text
+        self.again = again        # is asked anew
+        self.refused = refused    # an exception is told, and the menu returns as it was
+        self.goes_on = goes_on or {}    # is taken: what the program then shows
+        self.action = action
+        self.when = when or (lambda: True)
+
+
+def number(name, route, low, high, text="option: ", *, goes_on=None, **more):
+    """A prompt for a number in a range. Answers without digits are 0."""
+    again = [str(low - 1), str(high + 1), "-1", "-" + HUGE, HUGE, "9223372036854775808"]
+    if low > 0:
+        again += ["", "letters", "-", "\ufffd", "0x10"]
+    return Prompt(name, route, text, again=again, goes_on=goes_on, **more)
+
+
+def argument(name, route, low, high, squares=()):
+    again = ["", "letters", "-5", "0", str(low - 1), str(high + 1), str(BIGGEST + 1), HUGE, *squares]
+    return Prompt(name, route, "n = ", again=again)
+
+
+def path(name, route, text="Path: ", **more):
+    return Prompt(name, route, text, **more)
+
+
+def several_processors():
+    return len(os.sched_getaffinity(0)) > 1
+
+
+OUT_OF_LIMITS = ["99", "1", "1000000000000051", str(BIGGEST), "15E"]
+NO_DIGIT_COUNT = ["-1", "-" + HUGE, HUGE, str(BIGGEST + 1), "16E", HUGE + "E"]
+NO_FILE = "Unable to open file."
+LONG_PATH = "x/" * 5000
+
+PROMPTS = [
+    number("main menu", "", 0, 7, action=None, goes_on={"letters": "\nBenchmark Pi:\n"}),
+    number("advanced options", "6", 0, 4, action=None, goes_on={"": "\nEnter Path of Validation File:\n"}),
+    number("benchmark type", "", 0, 1, action="bench", when=several_processors),
+    number("benchmark sizes", "1", 0, 16, action="bench", when=several_processors),
+    number("SuperPi sizes", "1 16", 0, 17, action="bench", when=several_processors),
+    path("validator", "", "Enter Path of Validation File:\n", action="validate", goes_on={
+        "": "Unable to open validation file: .txt\n", "\x01x": "Unable to open validation file: ",
+        LONG_PATH: "Unable to open validation file: "}),
+    number("custom menu", "", 0, 21),
+    number("constants", "1", 0, 9, goes_on={"": "\nSquare Root of n\n", "letters": "\nSquare Root of n\n"}),
+    argument("Sqrt(n)", "1 0", 2, BIGGEST, squares=["4", "16", "4294967296"]),
+    argument("ArcCoth(n)", "1 4", 2, 2**32 - 1),
+    argument("Log(n)", "1 5", 2, 2**31 - 1),
+    Prompt("n of the log formulas", "6 1", "n = ", action=None, again=[str(BIGGEST + 1), HUGE]),
+    Prompt("digits of the log formulas", "6 1 2", "dec = ", action=None,
+           again=["", "letters", "0", "99", "1000000000000051", *NO_DIGIT_COUNT]),
+    number("algorithms of Sqrt(n)", "1 0 2 2", 0, 0, "Algorithm: "),
+    number("algorithms of Golden Ratio", "1 1 2", 0, 0, "Algorithm: "),
+    number("algorithms of e", "1 2 2", 0, 1, "Algorithm: "),
+    number("algorithms of Pi", "2", 0, 1, "Algorithm: ", goes_on={"": "  2     Algorithm:  Chudnovsky Formula\n"}),
+    number("algorithms of ArcCoth(n)", "1 4 2 2", 0, 0, "Algorithm: "),
+    number("algorithms of Log(n)", "1 5 10 2", 0, 1, "Algorithm: "),
+    number("algorithms of Zeta(3)", "1 6 2", 0, 1, "Algorithm: "),
+    number("algorithms of Lemniscate", "1 7 2", 0, 1, "Algorithm: "),
+    number("algorithms of Catalan", "1 8 2", 0, 1, "Algorithm: "),
+    number("algorithms of Euler's Constant", "1 9 2", 0, 1, "Algorithm: "),
+    Prompt("decimal digits", "3", "Digits: ", again=NO_DIGIT_COUNT, refused=["", "letters", "0", *OUT_OF_LIMITS]),
+    Prompt("hexadecimal digits", "4", "Digits: ", again=NO_DIGIT_COUNT, refused=OUT_OF_LIMITS,
+           goes_on={"": "  4     Hexadecimal Digits:   Disabled\n", "letters": "  4     Hexadecimal Digits:   Disabled\n"}),
+    path("output path", "5", goes_on={
+        "": "  5     Write Digits To:      Default Path\n", "\x01x": "The folder for the digit files does not exist.",
+        LONG_PATH: "The folder for the digit files does not exist."}),
+    number("output format", "3 1m 4 0 6", 0, 2, goes_on={"": "  6     Compress Output:      None - Write"}),
+    Prompt("digits per file", "3 1m 4 0 6 2", "Digits per file: ",
+           again=["", "letters", "0", "999999", "1000000000000051", *NO_DIGIT_COUNT]),
+    number("mode", "7", 1, 2),
+    number("parallelization", "8", 0, 5),
+    number("parallelization without a framework", "8 3 0", 0, 3),
+    number("parallelization by asynchronous calls", "8 3 1", 0, 4),
+    number("task decomposition", "8 2", 1, 65536, "Task Decomposition: "),
+    number("frameworks", "8 3", 0, 4 if ON_WINDOWS else 3, goes_on={"": "  3    Framework:              None (No Multi"}),
+    Prompt("worker threads", "8 4", "Threads (0 for unlimited threads): ", again=["-1", "-" + HUGE],
+           goes_on={"": "Worker Threads:         Unlimited\n", "letters": "Worker Threads:         Unlimited\n",
+                    "65537": "Worker Threads:         65536\n", HUGE: "Worker Threads:         65536\n"}),
+    number("memory", "9 2 0", 0, 2),
+    number("memory by pages", "9 2 1", 0, 4),
+    number("memory by nodes", "9 2 2", 0, 5),
+    number("allocators", "9 2", 0, 2, goes_on={"": "   2    Memory Allocator:       C malloc()\n"}),
+    Prompt("nodes", "9 2 2 3", "Node #", goes_on={
+        "letters": "NUMA nodes:             0", "-1": "NUMA nodes:             0",
+        HUGE + "\n": f"NUMA nodes:             {BIGGEST}\n"}),
+    path("configuration to load", "20", refused=["", "none", "none/none", "\x01x", LONG_PATH]),
+    path("configuration to save", "21", refused=["none/none", LONG_PATH]),
+]
+
+
+def menus_of(output):
+    """What the custom-compute menu showed, each time."""
+    return [part[:part.find("option: ")] for part in output.split("Custom Compute a Constant\n")[1:]]
+
+
+class Prompts(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        os.chdir(self.folder)
+
+    def tearDown(self):
+        os.chdir("/")
+        super().tearDown()
+
+    def answer(self, prompt, *answers):
+        """The output up to the end of input, which ends the program and is told once."""
+        with open("answers", "w", encoding="utf-8") as file:
+            file.write("".join(answer + "\n" for answer in [*prompt.route, *answers]))
+        with open("answers", "rb") as file:
+            code, output = self.run_program(*([prompt.action] if prompt.action else []), stdin=file)
+        self.assertEqual(code, 1, output)
+        self.assertTrue(output.endswith(END_OF_INPUT), output)
+        self.assertEqual(output.count(END_OF_INPUT), 1)
+        self.assertNotIn("Begin Computation", output)
+        return output
+
+    def for_each(self, check, prompts=PROMPTS):
+        for prompt in prompts:
+            if prompt.when():
+                with self.subTest(prompt=prompt.name):
+                    check(prompt)
+
+    def test_the_end_of_input_ends_the_program_at_once(self):
+        def check(prompt):
+            output = self.answer(prompt)
+            # Between the prompt and the message is nothing but empty lines.
+            self.assertTrue(output.removesuffix(END_OF_INPUT).rstrip("\n").endswith(prompt.text.rstrip("\n")), output)
+
+        self.for_each(check)
+
+    def test_what_makes_no_sense_is_asked_again(self):
+        def check(prompt):
+            before = self.answer(prompt).count(prompt.text)
+            output = self.answer(prompt, *prompt.again)
+            self.assertEqual(output.count(prompt.text), before + len(prompt.again), output)
+
+        self.for_each(check, [prompt for prompt in PROMPTS if prompt.again])
+
+    def test_what_is_refused_changes_nothing(self):
+        def check(prompt):
+            steps = []
+            for answer in prompt.refused:
+                steps += [answer, *prompt.route]
+            output = self.answer(prompt, *steps[:-len(prompt.route)])
+            self.assertEqual(output.count("Exception Encountered: "), len(prompt.refused), output)
+            self.assertEqual(set(menus_of(output)), {menus_of(output)[0]}, output)
+
+        self.for_each(check, [prompt for prompt in PROMPTS if prompt.refused])
+
+    def test_what_is_taken_shows(self):
+        def check(prompt):
+            for answer, text in prompt.goes_on.items():
+                if prompt.action == "validate":
+                    self.validate(answer, text)
+                else:
+                    before = self.answer(prompt).removesuffix("\n\n" + END_OF_INPUT)
+                    output = self.answer(prompt, answer)
+                    self.assertTrue(output.startswith(before))
+                    self.assertIn(text, output[len(before):])
+
+        self.for_each(check, [prompt for prompt in PROMPTS if prompt.goes_on])
+
+    def validate(self, answer, text):
+        """The validator ends by itself."""
+        with open("answers", "w", encoding="utf-8") as file:
+            file.write(answer + "\n")
+        with open("answers", "rb") as file:
+            code, output = self.run_program("validate", stdin=file)
+        self.assertEqual(code, 0, output)
+        self.assertIn(text, output)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)
