@@ -134,6 +134,17 @@ void act(RaidSettings& settings, std::int64_t option) {
     }
 }
 
+bool is_option(const std::string& argument) {
+    return argument.starts_with('-');
+}
+
+std::string take_word(kelvara::CommandLine& command_line) {
+    if (command_line.has_more() && is_option(command_line.current())) {
+        throw CommandLine::CommandLineException("Expected more parameters.");
+    }
+    return command_line.take_argument();
+}
+
 }  // namespace
 
 void edit_raid_settings(RaidSettings& settings, std::optional<std::uint64_t> bytes_per_group) {
@@ -149,10 +160,10 @@ void edit_raid_settings(RaidSettings& settings, std::optional<std::uint64_t> byt
 
 std::string read_raid_arguments(RaidSettings& settings, std::string mode,
                                 kelvara::CommandLine& command_line) {
-    if (mode.empty()) mode = command_line.take_argument();
+    if (mode.empty()) mode = take_word(command_line);
     if (mode != "raid0" && mode != "raid3") return "Unrecognized mode";
-    std::vector<std::string> folders{command_line.take_argument()};
-    while (command_line.has_more() && !command_line.current().starts_with('-')) {
+    std::vector<std::string> folders{take_word(command_line)};
+    while (command_line.has_more() && !is_option(command_line.current())) {
         folders.push_back(command_line.take_argument());
     }
     return mode == "raid0" ? settings.set_raid0(folders) : settings.set_raid3(folders);

@@ -115,8 +115,6 @@ class ConfigAction(ProgramTest):
                 ("Key not found: BytesPerSeek", {"Mode": '"swap"'}),
                 ("Invalid Constant: tau", {"Constant": '{ Constant : "tau" }'}),
                 ("16 is a perfect square.", {"Constant": '{ Constant : "sqrt" Argument : 16 Algorithm : "0" }'}),
-                ("Cannot run computation with these parameters.",
-                 {"Constant": '{ Constant : "sqrt" Argument : 15 Algorithm : "0" }'}),
                 ("Path is not writable.", {"Output": '{ Path : "none" DigitsPerFile : 0 }'}),
                 ("Invalid Memory Allocator: Malloc", {"Allocator": '{ Allocator : "Malloc" }'}),
                 ("Custom Compute: Expected Object, got Integer.", {"Allocator": "1"}),

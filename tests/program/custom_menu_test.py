@@ -38,20 +38,6 @@ class CustomMenu(ProgramTest):
         self.assertEqual(session.end(), 1)
         self.assertIn("There is no more input: the program ends here.", session.text())
 
-    def test_a_constant_that_cannot_be_computed_cannot_be_started(self):
-        with self.menu() as session:
-            session.answer("option: ", "1")
-            session.answer("option: ", "5")
-            session.answer("n = ", "15")
-            session.wait_for("Start Computation!")
-            self.assertEqual(self.shown(session, "Constant:"), "Log(15)")
-            self.assertIn("Log(15) is not available in this build yet.", session.text())
-            session.answer("option: ", "0")
-            session.answer("option: ", "")
-            self.choose(session, "12")
-            self.leave(session)
-            self.assertNotIn("Begin Computation", session.text())
-
     def test_a_square_root_is_computed_of_what_is_no_square(self):
         with self.menu() as session:
             session.answer("option: ", "1")

@@ -35,8 +35,8 @@ Option      Mode            Memory      Disk Memory
 1      Ram Only             <Y>"""
 
 SWAP_MENU = """\
-1  -  Quick Configure:  <T>Default Path Only
-<white>2  -  Quick Configure:  <Y>RAID 0<white>  (No Redundancy)
+1  -  Quick Configure:  <T>Default Path Only<white>
+2  -  Quick Configure:  <Y>RAID 0<white>  (No Redundancy)
 3  -  Quick Configure:  <G>RAID 3<white>  (Tolerate 1 Drive Failure)
 
 Manual Configure Hybrid RAID:

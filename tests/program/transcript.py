@@ -35,6 +35,9 @@ def pattern_of(text):
     pattern = re.escape(text)
     for placeholder, meaning in PLACEHOLDERS.items():
         pattern = pattern.replace(placeholder, meaning)
+    if ON_WINDOWS:
+        # A console does not draw blanks at the end of a line.
+        pattern = re.sub(r"(\\ )+\\\n", " *\n", pattern)
     return re.compile(pattern)
 
 

@@ -78,5 +78,15 @@ TEST(GoldenDigitsOf, TheVerificationsThatTheMenusName) {
     expect_shifted({"goldenratio", "newton", "Newton"}, {"sqrt", "newton", "Newton", 125}, "11");
 }
 
+TEST(GoldenDigitsOf, Logarithms) {
+    for (const std::uint64_t n : {2, 3, 10}) {
+        const std::string reference = "log(" + std::to_string(n) + ")";
+        for (const Algorithm& algorithm : {Algorithm{"log", "machin-primary", "Machin (primary)", n},
+                                           Algorithm{"log", "machin-secondary", "Machin (secondary)", n}}) {
+            expect_reference_files(algorithm, reference, {100, 1000, 10000, 100000});
+        }
+    }
+}
+
 }  // namespace
 }  // namespace kelvara

@@ -231,6 +231,9 @@ TEST_F(RaidArguments, AMissingArgument) {
     EXPECT_EQ(missing({}), "Expected more parameters.");
     EXPECT_EQ(missing({"raid0"}), "Expected more parameters.");
     EXPECT_EQ(missing({}, "raid3"), "Expected more parameters.");
+    // The next option is neither a mode nor a folder.
+    EXPECT_EQ(missing({"-dec:1000"}), "Expected more parameters.");
+    EXPECT_EQ(missing({"-dec:1000"}, "raid0"), "Expected more parameters.");
     EXPECT_TRUE(settings_.groups().empty());
 }
 
