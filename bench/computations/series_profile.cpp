@@ -3,8 +3,15 @@
 #include <algorithm>
 #include <memory>
 
+#include "constant_name.h"
+#include "constants/arccoth_series.h"
+#include "constants/catalan_huvent.h"
+#include "constants/catalan_lupas.h"
+#include "constants/catalogue.h"
 #include "constants/euler_gamma.h"
+#include "constants/lemniscate_series.h"
 #include "constants/pi_formulas.h"
+#include "constants/zeta3_series.h"
 #include "platform/timers.h"
 #include "series/bsr_engine.h"
 #include "series/bsr_verify.h"
@@ -87,13 +94,25 @@ void sum_blocks(Profile<Series>& profile, const qmp::PsrPlan& plan) {
     }
 }
 
-std::vector<WorkKind> profile_pi(const kelvara::PiFormula& formula, std::uint64_t p) {
-    const qmp::PsrPlan plan = qmp::build_psr_plan(formula.series, p, formula.reduced ? 0.5 : 1.0);
-    const qmp::PlanSizes sizes = formula.series.SizesForPlan(plan, 0, 1);
-    Profile<qmp::BSS_P2B3_Type0> profile(formula.series, qmp::psr_largest_product(formula.series, plan),
-                                         sizes.exact_words);
+template <typename Series>
+std::vector<WorkKind> profile_plan(const Series& series, std::uint64_t p, double factor = 1.0) {
+    const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, factor);
+    const qmp::PlanSizes sizes = series.SizesForPlan(plan, 0, 1);
+    Profile<Series> profile(series, qmp::psr_largest_product(series, plan), sizes.exact_words);
     sum_blocks(profile, plan);
     return profile.kinds();
+}
+
+// The first of the two series of a lemniscate formula, or the second.
+std::vector<WorkKind> profile_lemniscate(const kelvara::LemniscateFormula& formula, std::uint64_t p) {
+    std::vector<WorkKind> kinds;
+    for (const auto& term : {formula.first, formula.second}) {
+        const std::string name = std::to_string(term.x.p) + "/" + std::to_string(term.x.q) + ": ";
+        for (WorkKind& kind : profile_plan<qmp::BSS_P2B3_Type0>(kelvara::ArcSinlemnSeries(term.x), p)) {
+            kinds.push_back({name + kind.name, kind.count, kind.seconds});
+        }
+    }
+    return kinds;
 }
 
 std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
@@ -117,16 +136,30 @@ std::vector<WorkKind> profile_gamma(bool refined, std::uint64_t p) {
 }  // namespace
 
 std::vector<WorkKind> profile_series(const Computation& computation, std::uint64_t precision) {
-    if (computation.constant == "e") return profile_e(computation.algorithm == "exp(-1)", precision);
-    if (computation.constant == "gamma") {
-        return profile_gamma(computation.algorithm == "brent-refined", precision);
+    const auto made = make_constant(computation.constant);
+    made->set_algorithm_keyword(computation.algorithm);
+    const std::uint32_t algorithm = made->algorithm();
+    switch (made->id()) {
+        case kelvara::id_e:
+            return profile_e(algorithm == 1, precision);
+        case kelvara::id_pi: {
+            const kelvara::PiFormula& formula = kelvara::pi_formula(algorithm);
+            return profile_plan(formula.series, precision, formula.reduced ? 0.5 : 1.0);
+        }
+        case kelvara::id_arccoth:
+            return profile_plan<qmp::BSS_P2B3_Type0>(kelvara::ArcCothSeries(*made->argument()), precision);
+        case kelvara::id_zeta3:
+            return profile_plan(kelvara::zeta3_formula(algorithm).series, precision);
+        case kelvara::id_lemniscate:
+            return profile_lemniscate(kelvara::lemniscate_formula(algorithm), precision);
+        case kelvara::id_catalan:
+            if (algorithm == 1) return profile_plan(kelvara::catalan_huvent_series(), precision);
+            return profile_plan(kelvara::catalan_lupas_formula().series, precision);
+        case kelvara::id_euler_gamma:
+            return profile_gamma(algorithm == 0, precision);
+        default:
+            return {};
     }
-    if (computation.constant != "pi") return {};
-    static constexpr const char* keywords[] = {"chudnovsky", "ramanujan", "chudnovsky-reduced",
-                                               "ramanujan-reduced"};
-    const auto* found = std::find(std::begin(keywords), std::end(keywords), computation.algorithm);
-    return profile_pi(kelvara::pi_formula(static_cast<std::uint32_t>(found - std::begin(keywords))),
-                      precision);
 }
 
 }  // namespace bench
