@@ -26,11 +26,48 @@ class Growing {
         const Word carry = mul_word(words_, words_, length_, w);
         if (carry != 0) words_[length_++] = carry;
     }
+    // Times w, and x added.
+    void multiply_add(Word w, const Growing& x) {
+        Word carry = 0;
+        std::uint64_t i = 0;
+        for (; i < std::min(length_, x.length_); i++) {
+            const DoubleWord sum = static_cast<DoubleWord>(words_[i]) * w + x.words_[i] + carry;
+            words_[i] = low_word(sum);
+            carry = high_word(sum);
+        }
+        for (; i < length_; i++) {
+            const DoubleWord sum = static_cast<DoubleWord>(words_[i]) * w + carry;
+            words_[i] = low_word(sum);
+            carry = high_word(sum);
+        }
+        for (; i < x.length_; i++) {
+            const DoubleWord sum = static_cast<DoubleWord>(x.words_[i]) + carry;
+            words_[i] = low_word(sum);
+            carry = high_word(sum);
+        }
+        length_ = i;
+        if (carry != 0) words_[length_++] = carry;
+    }
     // Times k^3 and k^2, by as many words at once as one word holds.
     void multiply_cube(Word k) {
         if (k < (Word{1} << 21)) return multiply(k * k * k);
-        multiply_square(k);
-        multiply(k);
+        if (k >> 32 != 0) {
+            multiply_square(k);
+            multiply(k);
+            return;
+        }
+        // Below 2^96 the second word's products leave room for two carries.
+        const DoubleWord cube = static_cast<DoubleWord>(k * k) * k;
+        const Word low = low_word(cube);
+        const Word high = high_word(cube);
+        DoubleWord carry = 0;
+        for (std::uint64_t i = 0; i < length_; i++) {
+            const DoubleWord sum = static_cast<DoubleWord>(words_[i]) * low + low_word(carry);
+            carry = static_cast<DoubleWord>(words_[i]) * high + high_word(carry) + high_word(sum);
+            words_[i] = low_word(sum);
+        }
+        if (carry != 0) words_[length_++] = low_word(carry);
+        if (high_word(carry) != 0) words_[length_++] = high_word(carry);
     }
     void multiply_square(Word k) {
         if (k >> 32 == 0) return multiply(k * k);
@@ -146,8 +183,7 @@ void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, Exact
     for (std::uint64_t k = a + 1; k <= b; k++, power.next()) {
         // P = P k + Q, Q = Q k, R = R k^2 + n^(2k), T = T k^3 + P n^(2k) with the new P.
         using namespace leaf;
-        p.multiply(k);
-        p.add(q, 0);
+        p.multiply_add(k, q);
         q.multiply(k);
         r.multiply_square(k);
         r.add_bit(power.bits());
