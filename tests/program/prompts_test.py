@@ -84,7 +84,7 @@ PROMPTS = [
     number("algorithms of Euler's Constant", "1 9 2", 0, 1, "Algorithm: "),
     Prompt("decimal digits", "3", "Digits: ", again=NO_DIGIT_COUNT, refused=["", "letters", "0", *OUT_OF_LIMITS]),
     Prompt("hexadecimal digits", "4", "Digits: ", again=NO_DIGIT_COUNT, refused=OUT_OF_LIMITS,
-           goes_on={"": "  4     Hexadecimal Digits:   Disabled\n", "letters": "  4     Hexadecimal Digits:   Disabled\n"}),
+           goes_on={"": "Hexadecimal Digits:   Disabled\n", "letters": "Hexadecimal Digits:   Disabled\n"}),
     path("output path", "5", goes_on={
         "": "  5     Write Digits To:      Default Path\n", "\x01x": "The folder for the digit files does not exist.",
         LONG_PATH: "The folder for the digit files does not exist."}),
@@ -107,7 +107,7 @@ PROMPTS = [
     number("parallelization without a framework", "8 3 0", 0, 3),
     number("parallelization by asynchronous calls", "8 3 1", 0, 4),
     number("task decomposition", "8 2", 1, 65536, "Task Decomposition: "),
-    number("frameworks", "8 3", 0, 4 if ON_WINDOWS else 3, goes_on={"": "  3    Framework:              None (No Multi"}),
+    number("frameworks", "8 3", 0, 4 if ON_WINDOWS else 3, goes_on={"": "Framework:              None (No Multi"}),
     Prompt("worker threads", "8 4", "Threads (0 for unlimited threads): ", again=["-1", "-" + HUGE],
            goes_on={"": "Worker Threads:         Unlimited\n", "letters": "Worker Threads:         Unlimited\n",
                     "65537": "Worker Threads:         65536\n", HUGE: "Worker Threads:         65536\n"}),

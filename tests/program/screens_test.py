@@ -1,5 +1,6 @@
 """Menus and information screens of the real program: every screen to the letter, every way through them."""
 
+import os
 import re
 import unittest
 
@@ -155,6 +156,43 @@ class AdvancedOptions(unittest.TestCase):
             session.type_end_of_input()
             self.assertEqual(session.end(), 1)
             self.assertEqual(session.text().count("There is no more input: the program ends here."), 1)
+
+
+class Validator(ProgramTest):
+    """The colours of its answers; benchmark_test.py has what it answers when."""
+
+    def validate(self, content):
+        """The ended session in which a file of this content was validated."""
+        path = os.path.join(self.folder, "file.txt")
+        with open(path, "wb") as file:
+            file.write(content)
+        with Session("validate") as session:
+            session.answer("Enter Path of Validation File:\n", path)
+            self.assertEqual(session.end(), 0)
+            self.assertTrue(session.shows("<P>Benchmark Validator\n<white>\nEnter Path of Validation File:\n<T>"),
+                            session.coloured())
+            return session
+
+    def test_colours_of_every_outcome(self):
+        code, output = self.run_program("custom", "pi", "-dec:1000", "-hex:0", "-o", self.folder, cwd=self.folder)
+        self.assertEqual(code, 0, output)
+        name = re.search("Validation File: (.*)\n", output)[1]
+        with open(os.path.join(self.folder, name), "rb") as file:
+            content = file.read()
+        time = content.index(b"Total Computation Time:    ") + 27
+        encoding = "File Format: <G>UTF-8<white>\n\n"
+        for text, edited in (
+                ("Validation Format 1.3\n\n<G>Validation Passed!\n<white>Computation Time:   <Y>", content),
+                ("Validation Format 1.3\n\n\n<R>Validation Failed: Invalid Hash\n<white>",
+                 content[:time] + b"9" + content[time + 1:]),
+                ("\n<R>This validation file version is too new.\nPlease use a newer version of Kelvara.\n<white>",
+                 content.replace(b"1.3\r\n", b"1.4\r\n", 1)),
+                ("\n<R>Validation file versions 1.0 an 1.1 are no longer supported.\n"
+                 "To validate this file, please use Kelvara v0.5.5.\n<white>",
+                 content.replace(b"1.3\r\n", b"1.0\r\n", 1))):
+            with self.subTest(text=text):
+                session = self.validate(edited)
+                self.assertTrue(session.shows(encoding + text), session.coloured())
 
 
 class CompilationOptions(unittest.TestCase):

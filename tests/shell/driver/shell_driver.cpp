@@ -34,6 +34,12 @@ void echo(const std::string& text) {
     console::println(text, 'G');
 }
 
+// Every colour letter in its colour; the blank leaves the colour before it.
+void show_colours(const std::string&) {
+    for (const char letter : std::string("BGTRPYbgtrpy wr-")) console::write(std::string(1, letter), letter);
+    console::newline();
+}
+
 void show_state(const std::string&) {
     const StartupState& state = startup_state();
     console::print_label_signed("pause mode", state.pause_mode, 'Y');
@@ -120,6 +126,7 @@ void wait_for_file(const std::string& path) {
 
 const std::map<std::string, void (*)(const std::string&)> actions = {
     {"echo", echo},
+    {"colours", show_colours},
     {"state", show_state},
     {"number", ask_number},
     {"digits", ask_digits},

@@ -50,6 +50,16 @@ TEST(Terminal, ShowsColours) {
     EXPECT_TRUE(terminal.output().ends_with("\x1b[0m\r\n"));
 }
 
+TEST(Terminal, EveryColourLetter) {
+    PseudoTerminal terminal(driver({"colours"}));
+    report_cursor(terminal, 5, 1);
+    EXPECT_EQ(terminal.wait_for_end(), 0);
+    const std::string bright = "\x1b[0;94mB\x1b[0;92mG\x1b[0;96mT\x1b[0;91mR\x1b[0;95mP\x1b[0;93mY";
+    const std::string dark = "\x1b[0;34mb\x1b[0;32mg\x1b[0;36mt\x1b[0;31mr\x1b[0;35mp\x1b[0;33my";
+    EXPECT_NE(terminal.output().find(bright + dark + " \x1b[0mw\x1b[0;31mr\x1b[0m-\r\n"), std::string::npos)
+        << terminal.output();
+}
+
 TEST(Terminal, Colors0ChangesNoColour) {
     PseudoTerminal terminal(driver({"colors:0", "echo:plain", "steps", "throw"}));
     report_cursor(terminal, 5, 1);
