@@ -11,8 +11,6 @@
 namespace bench {
 namespace {
 
-constexpr const char* series_step = "Summing Series";
-
 // Parts of a phase below this share of the whole are left out.
 constexpr double shown_share = 0.001;
 
@@ -69,6 +67,8 @@ void print_series(const Measured& measured) {
     std::vector<WorkKind> kinds = profile_series(measured.computation, measured.result.precision);
     if (kinds.empty()) return;
     const StepTimes& steps = measured.result.median.steps;
+    const char* series_step =
+        measured.computation.constant == "gamma" ? "Summing Series A and B" : "Summing Series";
     // The profile sums the blocks only; what the computation itself did with them is added.
     for (const char* part : {StepTimes::folds, StepTimes::finishing}) {
         kinds.push_back({part, 0, steps.seconds(series_step, part)});

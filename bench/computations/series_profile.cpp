@@ -3,7 +3,15 @@
 #include <algorithm>
 #include <memory>
 
+#include "constant_name.h"
+#include "constants/arccoth_series.h"
+#include "constants/catalan_huvent.h"
+#include "constants/catalan_lupas.h"
+#include "constants/catalogue.h"
+#include "constants/euler_gamma.h"
+#include "constants/lemniscate_series.h"
 #include "constants/pi_formulas.h"
+#include "constants/zeta3_series.h"
 #include "platform/timers.h"
 #include "series/bsr_engine.h"
 #include "series/bsr_verify.h"
@@ -79,15 +87,32 @@ class Profile {
     double checked_ = 0;
 };
 
-std::vector<WorkKind> profile_pi(const kelvara::PiFormula& formula, std::uint64_t p) {
-    const qmp::PsrPlan plan = qmp::build_psr_plan(formula.series, p, formula.reduced ? 0.5 : 1.0);
-    const qmp::PlanSizes sizes = formula.series.SizesForPlan(plan, 0, 1);
-    Profile<qmp::BSS_P2B3_Type0> profile(formula.series, qmp::psr_largest_product(formula.series, plan),
-                                         sizes.exact_words);
+template <typename Series>
+void sum_blocks(Profile<Series>& profile, const qmp::PsrPlan& plan) {
     for (auto block = plan.blocks.rbegin(); block != plan.blocks.rend(); ++block) {
         profile.sum(block->a, block->b, 2 * block->size >= plan.blocks.front().size ? 1 : 0);
     }
+}
+
+template <typename Series>
+std::vector<WorkKind> profile_plan(const Series& series, std::uint64_t p, double factor = 1.0) {
+    const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, factor);
+    const qmp::PlanSizes sizes = series.SizesForPlan(plan, 0, 1);
+    Profile<Series> profile(series, qmp::psr_largest_product(series, plan), sizes.exact_words);
+    sum_blocks(profile, plan);
     return profile.kinds();
+}
+
+// The first of the two series of a lemniscate formula, or the second.
+std::vector<WorkKind> profile_lemniscate(const kelvara::LemniscateFormula& formula, std::uint64_t p) {
+    std::vector<WorkKind> kinds;
+    for (const auto& term : {formula.first, formula.second}) {
+        const std::string name = std::to_string(term.x.p) + "/" + std::to_string(term.x.q) + ": ";
+        for (WorkKind& kind : profile_plan<qmp::BSS_P2B3_Type0>(kelvara::ArcSinlemnSeries(term.x), p)) {
+            kinds.push_back({name + kind.name, kind.count, kind.seconds});
+        }
+    }
+    return kinds;
 }
 
 std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
@@ -98,16 +123,43 @@ std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
     return profile.kinds();
 }
 
+std::vector<WorkKind> profile_gamma(bool refined, std::uint64_t p) {
+    const auto exponent = static_cast<std::int32_t>(kelvara::brent_mcmillan_exponent(p)) - (refined ? 1 : 0);
+    const qmp::Series_EulerGamma_BM_AB series(exponent);
+    const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, 1.0);
+    Profile<qmp::Series_EulerGamma_BM_AB> profile(series, series.largest_product(plan),
+                                                  series.SizesForPlan(plan, 0, 1).exact_words);
+    sum_blocks(profile, plan);
+    return profile.kinds();
+}
+
 }  // namespace
 
 std::vector<WorkKind> profile_series(const Computation& computation, std::uint64_t precision) {
-    if (computation.constant == "e") return profile_e(computation.algorithm == "exp(-1)", precision);
-    if (computation.constant != "pi") return {};
-    static constexpr const char* keywords[] = {"chudnovsky", "ramanujan", "chudnovsky-reduced",
-                                               "ramanujan-reduced"};
-    const auto* found = std::find(std::begin(keywords), std::end(keywords), computation.algorithm);
-    return profile_pi(kelvara::pi_formula(static_cast<std::uint32_t>(found - std::begin(keywords))),
-                      precision);
+    const auto made = make_constant(computation.constant);
+    made->set_algorithm_keyword(computation.algorithm);
+    const std::uint32_t algorithm = made->algorithm();
+    switch (made->id()) {
+        case kelvara::id_e:
+            return profile_e(algorithm == 1, precision);
+        case kelvara::id_pi: {
+            const kelvara::PiFormula& formula = kelvara::pi_formula(algorithm);
+            return profile_plan(formula.series, precision, formula.reduced ? 0.5 : 1.0);
+        }
+        case kelvara::id_arccoth:
+            return profile_plan<qmp::BSS_P2B3_Type0>(kelvara::ArcCothSeries(*made->argument()), precision);
+        case kelvara::id_zeta3:
+            return profile_plan(kelvara::zeta3_formula(algorithm).series, precision);
+        case kelvara::id_lemniscate:
+            return profile_lemniscate(kelvara::lemniscate_formula(algorithm), precision);
+        case kelvara::id_catalan:
+            if (algorithm == 1) return profile_plan(kelvara::catalan_huvent_series(), precision);
+            return profile_plan(kelvara::catalan_lupas_formula().series, precision);
+        case kelvara::id_euler_gamma:
+            return profile_gamma(algorithm == 0, precision);
+        default:
+            return {};
+    }
 }
 
 }  // namespace bench

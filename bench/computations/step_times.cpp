@@ -56,7 +56,7 @@ void StepTimes::count() {
 }
 
 std::string StepTimes::part() const {
-    if (steps_.back().name == "Summing Series") return series_part();
+    if (steps_.back().name.starts_with("Summing Series")) return series_part();
     return labels_.empty() ? "preparing" : plain(labels_.front());
 }
 
@@ -73,20 +73,22 @@ std::string StepTimes::series_part() const {
 }
 
 double StepTimes::seconds(std::string_view step) const {
+    double all = 0;
     for (const Step& s : steps_) {
-        if (s.name == step) return s.seconds;
+        if (s.name == step) all += s.seconds;
     }
-    return 0;
+    return all;
 }
 
 double StepTimes::seconds(std::string_view step, std::string_view part_name) const {
+    double all = 0;
     for (const Step& s : steps_) {
         if (s.name != step) continue;
         for (const Part& p : s.parts) {
-            if (p.name == part_name) return p.seconds;
+            if (p.name == part_name) all += p.seconds;
         }
     }
-    return 0;
+    return all;
 }
 
 }  // namespace bench

@@ -30,7 +30,8 @@ class StepTimes final : public qmp::SilentProgress {
     void end_step() override;
 
     const std::vector<Step>& steps() const { return steps_; }
-    // Seconds of a step, or of one part of it, by name; 0 when there was none.
+    // Seconds of the steps of a name, or of one part of them: a sum of several series has several; 0 without
+    // any.
     double seconds(std::string_view step) const;
     double seconds(std::string_view step, std::string_view part) const;
 

@@ -34,9 +34,9 @@ class TimedSeries {
     using Buffers = typename Series::Buffers;
 
     TimedSeries(const Series& series, WorkTimes& times)
-        : leaf_size(series.leaf_size), series_(series), times_(times) {}
+        : longest_leaf(series.longest_leaf), series_(series), times_(times) {}
 
-    const std::uint64_t leaf_size;
+    const std::uint64_t longest_leaf;
 
     std::uint64_t split(std::uint64_t a, std::uint64_t b) const { return series_.split(a, b); }
     std::uint64_t cost_split(std::uint64_t a, std::uint64_t b) const { return series_.cost_split(a, b); }

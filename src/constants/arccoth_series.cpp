@@ -70,11 +70,11 @@ void sum_terms(BasicInt& P, BasicInt& Q, BasicInt& R, Word square, std::uint64_t
 bool sum_leaf(Word square, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) {
     using qmp::leaf::sum_leaf;
     const DoubleWord factor = factor_at(square, b);
-    if (factor >> 32 == 0) return sum_leaf<23, 31>(ArcCothTerms<32>(square), P, Q, R, a, b);
-    if (factor >> 40 == 0) return sum_leaf<23, 31>(ArcCothTerms<40>(square), P, Q, R, a, b);
-    if (factor >> 48 == 0) return sum_leaf<23, 31>(ArcCothTerms<48>(square), P, Q, R, a, b);
-    if (factor >> 64 == 0) return sum_leaf<23, 31>(ArcCothTerms<64>(square), P, Q, R, a, b);
-    if (factor >> 96 == 0) return sum_leaf<31>(ArcCothTerms<96>(square), P, Q, R, a, b);
+    if (factor >> 32 == 0) return sum_leaf<23, 31>(ArcCothTerms<32>{square}, P, Q, R, a, b);
+    if (factor >> 40 == 0) return sum_leaf<23, 31>(ArcCothTerms<40>{square}, P, Q, R, a, b);
+    if (factor >> 48 == 0) return sum_leaf<23, 31>(ArcCothTerms<48>{square}, P, Q, R, a, b);
+    if (factor >> 64 == 0) return sum_leaf<23, 31>(ArcCothTerms<64>{square}, P, Q, R, a, b);
+    if (factor >> 96 == 0) return sum_leaf<31>(ArcCothTerms<96>{square}, P, Q, R, a, b);
     return false;
 }
 

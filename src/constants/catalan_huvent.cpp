@@ -1,7 +1,6 @@
 #include "constants/catalan_huvent.h"
 
-#include <iterator>
-
+#include "constants/catalan_huvent_terms.h"
 #include "errors/check.h"
 #include "numbers/division_driver.h"
 #include "series/leaf_bisection.h"
@@ -24,14 +23,37 @@ namespace {
 
 constexpr std::uint64_t kernel_words = 18;
 
-// From k^16 down to 1. The last four are subtracted.
-constexpr Word coefficients[] = {
-    4636372233093120,   37721048963088384,  140614334152704000, 318025249742389248, 486920573914447872,
-    532937589964406784, 428868733241327616, 256653109156773888, 113872382317283328, 36670081182465024,
-    8098743309464448,   1029713994232704,   5572409156528,      24153149527360,     4419704161120,
-    360406957080,       11728430425,
-};
-constexpr int added_coefficients = 13;
+// Whether the straight-line code serves the index; then the term is there, but for its power of two.
+template <int Bits>
+bool set_term_below(ExactFloat& P, ExactFloat& Q, std::uint64_t k) {
+    using Term = HuventTerm<Bits>;
+    static_assert(Term::p_words <= kernel_words && Term::q_words <= kernel_words);
+    if (k >> Bits != 0) return false;
+    std::uint64_t check;
+    Term::set_Q(Q.base, check, k);
+    qmp::leaf::set_range(Q, Term::q_words, check);
+    Term::set_P(P.base, check, k);
+    qmp::leaf::set_range(P, Term::p_words, check);
+    return true;
+}
+
+void set_term(BasicInt& p, BasicInt& q, std::uint64_t k) {
+    leaf_set(q, 1);
+    for (const Word factor : {2 * k + 1, 4 * k + 1, 4 * k + 3, 6 * k + 1, 6 * k + 5, 12 * k + 1, 12 * k + 5,
+                              12 * k + 7, 12 * k + 11}) {
+        leaf_mul(q, factor);
+        leaf_mul(q, factor);
+    }
+    leaf_set(p, huvent_coefficients[0]);
+    for (int i = 1; i <= huvent_degree; i++) {
+        leaf_mul(p, k);
+        if (i < huvent_added_coefficients) {
+            leaf_add(p, huvent_coefficients[i]);
+        } else {
+            leaf_sub(p, huvent_coefficients[i]);
+        }
+    }
+}
 
 class HuventSeries final : public qmp::BSS_P2B2_BBP {
   public:
@@ -83,26 +105,14 @@ void Catalan_Huvent_BSR_End(ExactFloat& P, ExactFloat& Q, std::uint64_t k) {
     qmp::require_capacity(function, P.AL, kernel_words);
     qmp::require_capacity(function, Q.AL, kernel_words);
 
-    BasicInt q(Q.base, Q.AL);
-    leaf_set(q, 1);
-    for (const Word factor : {2 * k + 1, 4 * k + 1, 4 * k + 3, 6 * k + 1, 6 * k + 5, 12 * k + 1, 12 * k + 5,
-                              12 * k + 7, 12 * k + 11}) {
-        leaf_mul(q, factor);
-        leaf_mul(q, factor);
+    // One more bit and Q takes a ninth word.
+    if (!set_term_below<25>(P, Q, k) && !set_term_below<31>(P, Q, k)) {
+        BasicInt p(P.base, P.AL);
+        BasicInt q(Q.base, Q.AL);
+        set_term(p, q, k);
+        set_leaf(P, p);
+        set_leaf(Q, q);
     }
-    set_leaf(Q, q);
-
-    BasicInt p(P.base, P.AL);
-    leaf_set(p, coefficients[0]);
-    for (int i = 1; i < static_cast<int>(std::size(coefficients)); i++) {
-        leaf_mul(p, k);
-        if (i < added_coefficients) {
-            leaf_add(p, coefficients[i]);
-        } else {
-            leaf_sub(p, coefficients[i]);
-        }
-    }
-    set_leaf(P, p);
     P.mp2(-6 * static_cast<std::int64_t>(k));
 }
 

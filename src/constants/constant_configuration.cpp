@@ -2,12 +2,18 @@
 
 #include <string>
 
+#include "config/settings_record.h"
 #include "constants/catalogue.h"
 
 namespace kelvara {
 namespace {
 
 constexpr std::string_view context = "Constant";
+
+std::string algorithm_keyword(const Constant& constant) {
+    const AlgorithmInfo* algorithm = constant.algorithm_info();
+    return algorithm ? algorithm->keyword : "";
+}
 
 }  // namespace
 
@@ -17,8 +23,7 @@ qmp::notation::Object write_constant(const Constant& constant) {
     if (const auto argument = constant.argument()) {
         object.insert_integer("Argument", static_cast<std::int64_t>(*argument));
     }
-    const AlgorithmInfo* algorithm = constant.algorithm_info();
-    object.insert_string("Algorithm", algorithm ? algorithm->keyword : "");
+    object.insert_string("Algorithm", algorithm_keyword(constant));
     return object;
 }
 
@@ -28,6 +33,24 @@ std::unique_ptr<Constant> read_constant(const qmp::notation::Object& object) {
         constant->set_argument(static_cast<std::uint64_t>(object.get_integer("Argument", context)));
     }
     constant->set_algorithm_keyword(object.get_string("Algorithm", context));
+    return constant;
+}
+
+std::string print_constant(const Constant& constant) {
+    qmp::SettingsRecordWriter lines;
+    lines.write_string("Constant          :", constant.key());
+    if (const auto argument = constant.argument()) {
+        lines.write_integer("Argument          :", static_cast<std::int64_t>(*argument));
+    }
+    return lines.write_string("Algorithm         :", algorithm_keyword(constant)).take();
+}
+
+std::unique_ptr<Constant> load_constant(qmp::TextCursor& cursor) {
+    std::unique_ptr<Constant> constant = make_constant(constant_id(cursor.read_string_field()));
+    if (constant->argument()) {
+        constant->set_argument(static_cast<std::uint64_t>(cursor.read_integer_field()));
+    }
+    constant->set_algorithm_keyword(cursor.read_string_field());
     return constant;
 }
 

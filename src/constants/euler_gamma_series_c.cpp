@@ -24,8 +24,8 @@ constexpr std::uint64_t q_words = 6;
 constexpr std::uint64_t p_words = 3;
 constexpr std::uint64_t leaf_terms = 16;
 
-// So many units of the natural logarithm at most are claimed beyond what the terms fall.
-constexpr double largest_claim = 20000;
+// The claimed fall, in units of the natural logarithm, is at most this part of 2n.
+constexpr double largest_claim = 1.0 / 32;
 
 int shift_of(std::int32_t exponent) {
     return 2 * exponent + 5;
@@ -59,7 +59,7 @@ double EulerGammaSeriesC::decay(double x) const {
 }
 
 double EulerGammaSeriesC::DecayBetween(double a, double b) const {
-    return std::max(decay(b) - decay(a), std::min(b - a, largest_claim));
+    return std::max(decay(b) - decay(a), std::min(b - a, largest_claim * last_));
 }
 
 std::uint64_t EulerGammaSeriesC::TermsForPrecision(std::uint64_t p) const {

@@ -35,7 +35,7 @@ qmp::SeriesCost cost_of(ArcSinlemnArgument x) {
 
 struct ArcSinlemnKernel {
     static constexpr std::uint64_t words = output_words;
-    static constexpr std::uint64_t longest_range = 7;
+    static constexpr std::uint64_t longest_range = 15;
     Word p4;
     Word q4;
 
@@ -51,25 +51,25 @@ bool sum_leaf(Word p4, Word q4, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std
     const auto within = [&](int p_bits, int q_bits) {
         return p4 <= Word{1} << p_bits && q4 <= Word{1} << q_bits;
     };
-    if (within(0, 4)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<0, 4>(p4, q4), P, Q, R, a, b);
-    if (within(4, 7)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<4, 7>(p4, q4), P, Q, R, a, b);
-    if (within(12, 19)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<12, 19>(p4, q4), P, Q, R, a, b);
-    if (within(12, 29)) return sum_leaf<22, 28>(ArcSinlemnTerms<12, 29>(p4, q4), P, Q, R, a, b);
+    if (within(0, 4)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<0, 4>{p4, q4}, P, Q, R, a, b);
+    if (within(4, 7)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<4, 7>{p4, q4}, P, Q, R, a, b);
+    if (within(12, 19)) return sum_leaf<24, 28, 31>(ArcSinlemnTerms<12, 19>{p4, q4}, P, Q, R, a, b);
+    if (within(12, 29)) return sum_leaf<22, 28>(ArcSinlemnTerms<12, 29>{p4, q4}, P, Q, R, a, b);
     return false;
 }
 
 }  // namespace
 
 ArcSinlemnSeries::ArcSinlemnSeries(ArcSinlemnArgument x)
-    : BSS_P2B3_Type0(false, 19, ArcSinlemnKernel::longest_range + 1, cost_of(x)),
-      p4_(fourth_power(x.p)),
-      q4_(fourth_power(x.q)) {}
+    : BSS_P2B3_Type0(false, 19, 8, cost_of(x)), p4_(fourth_power(x.p)), q4_(fourth_power(x.q)) {
+    longest_leaf = ArcSinlemnKernel::longest_range;
+}
 
 void ArcSinlemnSeries::BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const qmp::MultiplyContext&,
                                std::uint64_t a, std::uint64_t b) const {
     if (sum_leaf(p4_, q4_, P, Q, R, a, b)) return;
     qmp::LeafOutputs out = {{P.base, P.AL}, {Q.base, Q.AL}, {R.base, R.AL}};
-    leaf_bisect(ArcSinlemnKernel(p4_, q4_), alternating, out, a, b);
+    leaf_bisect(ArcSinlemnKernel{p4_, q4_}, alternating, out, a, b);
     set_leaf(P, out.P);
     set_leaf(Q, out.Q);
     set_leaf(R, out.R);

@@ -16,7 +16,7 @@ namespace kelvara {
 template <int PBits, int QBits>
 struct ArcSinlemnTerms {
     static constexpr bool alternating = false;
-    static constexpr int longest_range = 7;
+    static constexpr int longest_range = 15;
 
     // R(k) < 8 p^4 k^2, Q(k) < 8 q^4 (k + 1)^2.
     static constexpr double r_bits(int bits) { return PBits + 3 + 2 * bits; }

@@ -31,6 +31,8 @@ struct LogFormula {
     bool has_term(const LogTerm& term) const;
 };
 
+static_assert(sizeof(LogFormula) == 8 + 16 * LogFormula::capacity);
+
 // Two formulas of one number, each a check of the other.
 struct LogFormulas {
     LogFormula primary;

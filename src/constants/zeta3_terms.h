@@ -73,13 +73,13 @@ struct ZetaLongTerms {
         std::uint64_t polynomial = residue_sum(h1, k, 531578, 1);
         polynomial = residue_sum(polynomial, k2, residue_sum(336367, k, 104000, 1), 1);
         polynomial = residue_sum(polynomial, k, 12463, 1);
-        const std::uint64_t a = residue_product(4 * k + 1, three);
+        const std::uint64_t a = residue_product(4 * k + 1, 24 * three);
         const std::uint64_t b = residue_product(4 * k + 3, three + 1);
         const std::uint64_t c = residue_product(4 * k + 1, 4 * k + 3);
         Residues checks;
         checks.R = residue_product(residue_product(residue_product(k2, k2), k), residue_product(m2, middle));
         checks.P = residue_product(checks.R, polynomial);
-        checks.Q = residue_product(residue_product(a, b), residue_product(24 * c, c));
+        checks.Q = residue_product(residue_product(a, b), residue_product(c, c));
         return checks;
     }
 };

@@ -1,4 +1,5 @@
-// What every exchangeable component (an allocator, a parallel framework) saves of itself.
+// What settings save of themselves: those of exchangeable components (an allocator, a parallel framework), of
+// the swap files, of a whole computation.
 #pragma once
 
 #include <string>
@@ -12,10 +13,9 @@ class TextCursor;
 class ComponentSettings {
   public:
     virtual ~ComponentSettings() = default;
-    // The component's own settings as record lines "label<tab>value", each with CR LF; empty when it has
-    // none.
+    // The own settings as record lines "label<tab>value", each with CR LF; empty when there are none.
     virtual std::string print_settings() const { return {}; }
-    // Reads the own fields back, in declaration order, as decimal integers.
+    // Reads the own fields back, in the order in which they were written.
     virtual void load_settings(TextCursor&) {}
     // The own settings as an object of a configuration file, and back. The object that is read holds the
     // keys of other readers as well. A reader throws for the first key that is missing or wrong.

@@ -7,6 +7,9 @@
 namespace qmp {
 namespace {
 
+constexpr std::string_view how_to_get_swap_privileges =
+    "Please run Kelvara as administrator with SeManageVolumePrivilege.";
+
 void print_call_error(std::string_view call, os::ErrorCode code) {
     console::print_label_line(call, std::to_string(code));
 }
@@ -62,10 +65,17 @@ bool has_lock_memory_privilege() {
     return lock_memory_privilege().held();
 }
 
+void warn_without_swap_privileges(Privilege& volume) {
+    if (volume.held()) return;
+    console::println("Warning: Swap mode requires administrator privileges to be efficient.", 'R');
+    console::println(how_to_get_swap_privileges, 'w');
+    console::newline();
+}
+
 bool require_swap_privileges(Privilege& volume) {
     if (volume.held()) return true;
     console::println("Cannot Start: Swap mode requires administrator privileges.", 'R');
-    console::println("Please run Kelvara as administrator with SeManageVolumePrivilege.", 'w');
+    console::println(how_to_get_swap_privileges, 'w');
     console::newline();
     console::terminate(1);
 }

@@ -36,6 +36,8 @@ Privilege& lock_memory_privilege();
 bool has_manage_volume_privilege();
 bool has_lock_memory_privilege();
 
+// Warns when swap files would be slow to allocate because the volume privilege is missing.
+void warn_without_swap_privileges(Privilege& volume = manage_volume_privilege());
 // True, or the end of the program with exit code 1 and a message: swap files need the volume privilege.
 bool require_swap_privileges(Privilege& volume = manage_volume_privilege());
 

@@ -25,6 +25,9 @@ class BinarySplittingSeries {
     bool alternating;
     std::uint64_t size_margin;  // words added to every size that comes from the cost model
     std::uint64_t leaf_size;    // a range with fewer terms is a leaf
+    // Terms of the longest leaf: leaf_size - 1, or more where the leaves' code is faster than further splits.
+    // Sums are the same integers.
+    std::uint64_t longest_leaf;
 
     virtual ~BinarySplittingSeries() = default;
 
@@ -52,7 +55,7 @@ class BinarySplittingSeries {
 
   protected:
     BinarySplittingSeries(bool alternates, std::uint64_t margin, std::uint64_t leaf)
-        : alternating(alternates), size_margin(margin), leaf_size(leaf) {}
+        : alternating(alternates), size_margin(margin), leaf_size(leaf), longest_leaf(leaf - 1) {}
 };
 
 // The split at which both halves cost about the same: the largest products, which are formed last, then

@@ -6,7 +6,7 @@
 //   output_count, buffer_count   its outputs, and these plus the temporaries of its merges
 //   Buffers                      std::array<ExactFloat, buffer_count>
 //   split, cost_split            where it splits, if not as its base does
-//   leaf(context, out, a, b)     a range of fewer than leaf_size terms
+//   leaf(context, out, a, b)     a range of up to longest_leaf terms
 //   merge(context, whole, right, subtract)
 // Every buffer is the caller's and nothing is allocated in the recursion: the right half of a serial split
 // is summed in the space above the left half's results, the halves of a parallel split share buffers and
@@ -83,7 +83,7 @@ struct Halves {
 template <typename Series>
 void BSR_serial(const Series& series, const MultiplyContext& context, typename Series::Buffers& out,
                 std::uint64_t a, std::uint64_t b) {
-    if (b - a < series.leaf_size) {
+    if (b - a <= series.longest_leaf) {
         series.leaf(context, out, a, b);
         return;
     }

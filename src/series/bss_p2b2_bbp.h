@@ -21,7 +21,7 @@ class BSS_P2B2_BBP : public CostedSeries {
     static constexpr std::size_t running_count = 2;
     static constexpr const char* psr_function = "BSS_P2B2_BBP::B_PSR()";
 
-    // A range of fewer than leaf_size terms. BufferTooSmallException in the kernel's name.
+    // A range of up to longest_leaf terms. BufferTooSmallException in the kernel's name.
     virtual void BSR_End(ExactFloat& P, ExactFloat& Q, const MultiplyContext& scratch, std::uint64_t a,
                          std::uint64_t b) const = 0;
 

@@ -20,7 +20,8 @@ namespace {
 
 using Buffers = Series_EulerGamma_BM_AB::Buffers;
 
-constexpr std::uint64_t leaf_terms = 16;
+// Of 16 terms, ranges of 20,000 terms behind index 8,000,000 take 5 % longer, of 48 terms 7 %.
+constexpr std::uint64_t leaf_terms = 32;
 
 // The longest product of folding block i, and of the finishing: two running values of full precision.
 std::uint64_t full_product(const PsrBlock& block) {

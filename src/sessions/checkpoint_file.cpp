@@ -96,16 +96,14 @@ Checkpoint parse_checkpoint(std::string_view file, std::string_view program_vers
                             const CheckpointSealer& sealer) {
     Checkpoint checkpoint;
     std::optional<std::string_view> header;
-    for (std::size_t start = file.find(section_start); start < file.size();) {
-        const Section section = section_at(file, start);
-        start = section.end;
+    for_each_section(file, [&](const Section& section) {
         const std::string_view text = file.substr(section.begin, section.end - section.begin);
         if (section.identifier == checkpoint_header_section) {
             if (!header) header = text;
         } else if (section.identifier) {
             checkpoint.sections.emplace(*section.identifier, text);
         }
-    }
+    });
     if (!header) fail("Header not found.");
     try {
         qmp::TextCursor record(header->substr(std::min(line_end.size(), header->size())));

@@ -1,12 +1,12 @@
 // The menu "Custom Compute a Constant", shown until a computation has run.
 #pragma once
 
-#include "sessions/ram_settings.h"
+#include "sessions/custom_settings.h"
 
 namespace kelvara {
 
 // Changes the settings as the user chooses, and runs the computation. A choice that is refused is told and
 // changes nothing. Exceptions of the computation propagate.
-void run_custom_menu(RamSettings& settings);
+void run_custom_menu(CustomSettings& settings);
 
 }  // namespace kelvara

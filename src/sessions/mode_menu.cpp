@@ -8,6 +8,7 @@
 #include "console/format.h"
 #include "console/input.h"
 #include "errors/exception.h"
+#include "platform/privileges.h"
 
 namespace kelvara {
 namespace {
@@ -18,11 +19,20 @@ namespace console = qmp::console;
 constexpr std::uint64_t memory_column = 28;
 constexpr std::uint64_t disk_column = 12;
 
-void print_ram_only(std::uint64_t memory) {
-    std::string estimates = console::format_bytes(memory);
+// What the computation takes in memory; in words where this build does not know.
+void print_ram_only(const ComputationSettings& settings) {
+    const char* label = "1      Ram Only";
+    std::unique_ptr<RamComputation> computation;
+    try {
+        computation = settings.constant().make_ram_computation(settings.task_decomposition());
+    } catch (const qmp::InvalidParametersException&) {
+        console::print_column_line(memory_column, label, SwapSettings::unavailable, 'y');
+        return;
+    }
+    std::string estimates = console::format_bytes(computation->memory_estimate());
     estimates.resize(disk_column, ' ');
     estimates += console::format_bytes(0);
-    console::print_column_line(memory_column, "1      Ram Only", estimates, 'Y');
+    console::print_column_line(memory_column, label, estimates, 'Y');
 }
 
 void print_notes() {
@@ -41,18 +51,16 @@ void print_notes() {
 
 }  // namespace
 
-void ask_mode(RamSettings& settings) {
-    const std::unique_ptr<RamComputation> computation = settings.make_computation();
+void ask_mode(CustomSettings& settings) {
     console::println("Select a Mode:\n", 'w');
     console::println("Option      Mode            Memory      Disk Memory\n");
-    print_ram_only(computation->memory_estimate());
-    console::print_column_line(memory_column, "2      Swap Mode         >", "not available in this build yet",
-                               'y');
+    print_ram_only(settings.current());
+    console::print_column_line(memory_column, "2      Swap Mode         >", SwapSettings::unavailable, 'y');
     console::newline();
     print_notes();
-    if (console::read_int_in_range("option: ", 1, 2, 'T') == 2) {
-        throw qmp::InvalidParametersException("", "Swap Mode is not available in this build yet.");
-    }
+    const std::int64_t option = console::read_int_in_range("option: ", 1, 2, 'T');
+    settings.set_mode(option == 2 ? ComputationMode::swap : ComputationMode::ram_only);
+    if (option == 2) qmp::warn_without_swap_privileges();
 }
 
 }  // namespace kelvara

@@ -1,10 +1,12 @@
 // The menu "Select a Mode": where the numbers of a computation live.
 #pragma once
 
-#include "sessions/ram_settings.h"
+#include "sessions/custom_settings.h"
 
 namespace kelvara {
 
-void ask_mode(RamSettings& settings);
+// Shows what each mode would take for the current constant and size, and makes the mode chosen the current
+// one.
+void ask_mode(CustomSettings& settings);
 
 }  // namespace kelvara

@@ -14,7 +14,7 @@ namespace console = qmp::console;
 constexpr std::uint64_t least_digits = 1'000'000;
 constexpr std::uint64_t one_file = std::numeric_limits<std::uint64_t>::max();
 
-bool is_too_small(const RamSettings& settings) {
+bool is_too_small(const ComputationSettings& settings) {
     const std::uint64_t hexadecimal = settings.hexadecimal_digits();
     return settings.decimal_digits() < least_digits || (hexadecimal > 0 && hexadecimal < least_digits);
 }
@@ -31,7 +31,7 @@ std::int64_t ask_format() {
 
 }  // namespace
 
-void ask_output_format(RamSettings& settings) {
+void ask_output_format(ComputationSettings& settings) {
     if (is_too_small(settings)) {
         console::println("Computation is too small for compression.\n");
         console::pause();

@@ -1,10 +1,10 @@
 // The menu "Select an Output Format": text, one compressed file, or several.
 #pragma once
 
-#include "sessions/ram_settings.h"
+#include "sessions/computation_settings.h"
 
 namespace kelvara {
 
-void ask_output_format(RamSettings& settings);
+void ask_output_format(ComputationSettings& settings);
 
 }  // namespace kelvara

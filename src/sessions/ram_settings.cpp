@@ -1,128 +1,24 @@
 #include "sessions/ram_settings.h"
 
-#include <algorithm>
-
-#include "console/console.h"
-#include "constants/catalogue.h"
-#include "constants/size_rules.h"
 #include "errors/exception.h"
 #include "errors/file_exception.h"
-#include "platform/os/file.h"
-#include "platform/os/threads.h"
-#include "platform/parallel/menus.h"
-#include "platform/parallel/registry.h"
-#include "radix/digit_counts.h"
-#include "swap/sequential_file.h"
+#include "sessions/ram_session.h"
 
 namespace kelvara {
 
-RamSettings::RamSettings()
-    : constant_(make_constant(constant_id("pi"))),
-      allocator_(qmp::make_default_allocator()),
-      framework_(qmp::make_default_parallelizer()),
-      tasks_(std::max<std::uint64_t>(qmp::os::active_processors(), 1)) {
-    refresh();
-}
-
-void RamSettings::set_constant(std::unique_ptr<Constant> constant) {
-    constant_ = std::move(constant);
-    refresh();
-}
-
-void RamSettings::set_algorithm(std::string_view keyword) {
-    constant_->set_algorithm_keyword(keyword);
-    refresh();
-}
-
-void RamSettings::set_decimal_digits(std::uint64_t digits) {
-    check_digits(digits, constant_->max_digits());
-    decimal_digits_ = digits;
-    refresh();
-}
-
-void RamSettings::set_hexadecimal_digits(std::uint64_t digits) {
-    if (digits != 0) check_digits(digits, constant_->max_digits());
-    hexadecimal_digits_ = digits;
-    hexadecimal_chosen_ = true;
-    refresh();
-}
-
-void RamSettings::adjust_digits(std::uint64_t decimal, bool hexadecimal) {
-    namespace console = qmp::console;
-    if (decimal < smallest_digits) {
-        console::print_label_line("Warning", "Precision below minimum. Adjusting to minimum.", 'Y');
-        decimal = smallest_digits;
-    }
-    if (decimal > constant_->max_digits()) {
-        console::print_label_line("Warning", "Precision above maximum: Clipping to maximum.", 'Y');
-        decimal = constant_->max_digits();
-    }
-    decimal_digits_ = decimal;
-    hexadecimal_chosen_ = !hexadecimal;
-    hexadecimal_digits_ = 0;
-    refresh();
-}
-
-void RamSettings::ask_algorithm() {
-    constant_->ask_algorithm();
-    refresh();
-}
-
-void RamSettings::edit_parallelization() {
-    qmp::edit_parallelization(tasks_, framework_);
-    refresh();
-}
-
-void RamSettings::set_digits_per_file(std::uint64_t digits) {
-    constexpr std::uint64_t least = 1'000'000;
-    if (digits == 0) return;
-    if (decimal_digits_ < least || (hexadecimal_digits_ > 0 && hexadecimal_digits_ < least)) {
-        throw qmp::InvalidParametersException("", "Too few digits to compress.");
-    }
-    if (digits < least) throw qmp::InvalidParametersException("", "Too few digits for file.");
-    throw qmp::InvalidParametersException("", "Compressed digit files are not available in this build yet.");
-}
-
-void RamSettings::set_allocator(std::string_view type_name) {
-    allocator_ = qmp::make_allocator(type_name);
-}
-
-void RamSettings::set_framework(std::string_view type_name) {
-    framework_ = qmp::make_parallelizer(type_name);
-}
-
-void RamSettings::set_task_decomposition(std::uint64_t tasks) {
-    tasks_ = qmp::checked_task_decomposition(tasks);
-}
-
-void RamSettings::refresh() {
-    const std::uint64_t equivalent = qmp::dec_to_hex(decimal_digits_);
-    if (!hexadecimal_chosen_) hexadecimal_digits_ = equivalent;
-    precision_ = (std::max(equivalent, hexadecimal_digits_) >> 4) + 2;
-    constant_->set_size(precision_);
-}
-
-void RamSettings::check() const {
-    constexpr std::uint32_t path_not_found = 2;
-    constexpr std::uint32_t access_denied = 5;
-    const std::string folder = qmp::FileIO::with_trailing_slash(output_folder());
-    if (!qmp::os::directory_exists(folder)) {
-        throw qmp::FileIO::FileException("", "The folder for the digit files does not exist.", folder,
-                                         path_not_found);
-    }
-    if (!qmp::FileIO::path_check(folder)) {
-        throw qmp::FileIO::FileException("", "The folder for the digit files cannot be written.", folder,
-                                         access_denied);
-    }
-}
-
-bool RamSettings::can_run() const {
+std::string RamSettings::obstacle() const {
     try {
         check();
-        return make_computation() != nullptr;
-    } catch (const qmp::Exception&) {
-        return false;
+        return make_computation() ? "" : "The constant has no such algorithm.";
+    } catch (const qmp::FileIO::FileException& exception) {
+        return exception.message();
+    } catch (const qmp::InvalidParametersException& exception) {
+        return exception.message();
     }
+}
+
+void RamSettings::run() const {
+    RamSession(*this).run();
 }
 
 }  // namespace kelvara

@@ -8,8 +8,6 @@
 #include "errors/exception.h"
 #include "errors/file_exception.h"
 #include "platform/build_identity.h"
-#include "sessions/ram_configuration.h"
-#include "sessions/ram_session.h"
 #include "swap/sequential_file.h"
 
 namespace kelvara {
@@ -26,21 +24,21 @@ std::string ask_path(const char* heading) {
     return console::read_labelled_line("Path", 'T');
 }
 
-RamSettings read_computation(const std::string& path) {
+CustomSettings read_computation(const std::string& path) {
     const qmp::Configuration configuration = qmp::load_configuration(path, actions);
     if (configuration.action == bench_io) {
         throw qmp::InvalidParametersException("", "The I/O benchmark is not available in this build yet.");
     }
-    return read_settings(configuration.settings);
+    return CustomSettings::read(configuration.settings);
 }
 
 }  // namespace
 
-void save_computation(const RamSettings& settings) {
+void save_computation(const ComputationSettings& settings) {
     const std::string path = qmp::add_default_extension(
         ask_path("Enter path to save configuration file. (the .ini extension can be omitted)"), "ini");
-    const std::string text = qmp::configuration_text(version_with_build(),
-                                                     {std::string(custom_compute), write_settings(settings)});
+    const std::string text =
+        qmp::configuration_text(version_with_build(), {std::string(custom_compute), settings.write_config()});
     qmp::FileIO::SequentialFile file;
     file.create(path);
     const std::uint64_t written = file.write(text.data(), text.size());
@@ -52,17 +50,19 @@ void save_computation(const RamSettings& settings) {
     }
 }
 
-RamSettings load_computation() {
+CustomSettings load_computation() {
     return read_computation(
         ask_path("Enter path of configuration file. (the .ini extension can be omitted)"));
 }
 
 void run_configuration(const std::string& path) {
-    const RamSettings settings = read_computation(path);
-    if (!settings.can_run()) {
+    const CustomSettings settings = read_computation(path);
+    const std::string obstacle = settings.current().obstacle();
+    if (!obstacle.empty()) {
+        console::print_warning(obstacle);
         throw qmp::InvalidParametersException("", "Cannot run computation with these parameters.");
     }
-    RamSession(settings).run();
+    settings.current().run();
 }
 
 }  // namespace kelvara

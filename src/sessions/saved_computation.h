@@ -6,15 +6,15 @@
 
 #include <string>
 
-#include "sessions/ram_settings.h"
+#include "sessions/custom_settings.h"
 
 namespace kelvara {
 
 // Asks for a path and writes the file, replacing one that exists.
-void save_computation(const RamSettings& settings);
+void save_computation(const ComputationSettings& settings);
 
 // Asks for a path and reads the settings.
-RamSettings load_computation();
+CustomSettings load_computation();
 
 // Reads the file, to which ".ini" is added where the path has no dot, and runs what it describes.
 void run_configuration(const std::string& path);

@@ -1,7 +1,6 @@
 // What the menus and the actions start of the custom computations: their menu, and a saved configuration.
 #include "config/command_line.h"
 #include "errors/exception.h"
-#include "platform/startup_state.h"
 #include "sessions/custom_menu.h"
 #include "sessions/saved_computation.h"
 #include "shell/entry_points.h"
@@ -9,8 +8,7 @@
 namespace kelvara {
 
 void run_custom_compute_menu() {
-    RamSettings settings;
-    settings.set_default_folder(program_directory());
+    CustomSettings settings;
     run_custom_menu(settings);
 }
 

@@ -8,8 +8,8 @@ namespace kelvara {
 
 using Dispatcher = void (*)(CommandLine& command_line, IntegrityCheck& integrity_check);
 
-// Leading flags, priority, crash handler, checks, the tables of cores and nodes; then the computation that waits
-// to be resumed, or the dispatcher where none does. Returns 0.
+// Leading flags, priority, crash handler, checks, the tables of cores and nodes; then the computation that
+// waits to be resumed, or the dispatcher where none does. Returns 0.
 int start_up(CommandLine& command_line, Dispatcher dispatcher);
 
 }  // namespace kelvara

@@ -51,6 +51,15 @@ TEST(ConsoleProgress, GivesMessagesLinesOfTheirOwn) {
                   time_line);
 }
 
+TEST(ConsoleProgress, NamesWhatTheNextStepsAreFor) {
+    CapturedOutput output;
+    ConsoleProgress progress;
+    progress.heading("8 * ArcSinlemn( 1 / 2 )");
+    progress.begin_step("Division...", "Division");
+    progress.end_step();
+    EXPECT_EQ(without_times(output.finish()), "8 * ArcSinlemn( 1 / 2 ):\nDivision...\n" + time_line);
+}
+
 TEST(ConsoleProgress, ClosesAStepThatAnExceptionLeft) {
     CapturedOutput output;
     ConsoleProgress progress;

@@ -1,4 +1,4 @@
-// Constants as objects of a configuration.
+// Constants as objects of a configuration and in settings records.
 #include "constants/constant_configuration.h"
 
 #include <gtest/gtest.h>
@@ -156,6 +156,49 @@ TEST(ConstantConfiguration, NamesItselfInTypeErrors) {
 // Pi has no argument: one in the file is not looked at.
 TEST(ConstantConfiguration, LeavesOtherKeysAlone) {
     EXPECT_EQ(read("Argument : \"none\" Constant : \"pi\" Algorithm : \"0\" More : 1")->id(), id_pi);
+}
+
+std::unique_ptr<Constant> load(const std::string& record) {
+    qmp::TextCursor cursor(record);
+    auto constant = load_constant(cursor);
+    EXPECT_EQ(cursor.rest(), "");
+    return constant;
+}
+
+TEST(ConstantRecord, HasALineForEachField) {
+    EXPECT_EQ(print_constant(*make_constant(id_pi)),
+              "Constant          :\tpi\r\nAlgorithm         :\tchudnovsky\r\n");
+    const auto root = make_constant(id_square_root);
+    root->set_argument(UINT64_MAX);
+    EXPECT_EQ(print_constant(*root),
+              "Constant          :\tsqrt\r\nArgument          :\t-1\r\nAlgorithm         :\tnewton\r\n");
+}
+
+TEST(ConstantRecord, OfEveryConstantAndAlgorithmComesBack) {
+    for (std::uint32_t id = 0; id < constant_count; ++id) {
+        const auto constant = make_constant(id);
+        if (constant->argument()) constant->set_argument(7);
+        for (std::uint32_t algorithm = 0; algorithm < constant->info().algorithms.size(); ++algorithm) {
+            constant->set_algorithm(algorithm);
+            const auto copy = load(print_constant(*constant));
+            EXPECT_EQ(copy->id(), id);
+            EXPECT_EQ(copy->argument(), constant->argument());
+            EXPECT_EQ(copy->algorithm(), algorithm);
+        }
+    }
+}
+
+TEST(ConstantRecord, RefusesWhatIsWrong) {
+    const auto refused = [](const char* record) {
+        return message_of<qmp::InvalidParametersException>([&] { load(record); });
+    };
+    EXPECT_EQ(refused("c:\ttau\r\n"), "Invalid Constant: tau");
+    EXPECT_EQ(refused("c:\tsqrt\r\na:\t16\r\n"), "16 is a perfect square.");
+    EXPECT_EQ(refused("c:\tpi\r\na:\tmachin\r\n"), "Invalid Algorithm: machin");
+    for (const char* record :
+         {"", "pi\r\n", "c:\tpi\r\n", "c:\tsqrt\r\na:\t12x\r\n", "c:\tpi\r\na:\tchudnovsky"})
+        EXPECT_EQ(message_of<qmp::ParseException>([&] { load(record); }), "Unexpected end of string.")
+            << record;
 }
 
 }  // namespace

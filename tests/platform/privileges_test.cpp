@@ -140,6 +140,16 @@ TEST(SwapPrivileges, NothingIsPrintedWhereTheyAreHeld) {
     const FakeToken token;
     qmp::Privilege volume(token, "SeManageVolumePrivilege");
     EXPECT_EQ(printed_by([&] { EXPECT_TRUE(qmp::require_swap_privileges(volume)); }), "");
+    EXPECT_EQ(printed_by([&] { qmp::warn_without_swap_privileges(volume); }), "");
+}
+
+TEST(SwapPrivileges, AMissingOneIsWarnedOf) {
+    FakeToken token;
+    token.adjustment = {true, os::not_all_assigned};
+    qmp::Privilege volume(token, "SeManageVolumePrivilege");
+    EXPECT_EQ(printed_by([&] { qmp::warn_without_swap_privileges(volume); }),
+              "Warning: Swap mode requires administrator privileges to be efficient.\n"
+              "Please run Kelvara as administrator with SeManageVolumePrivilege.\n\n");
 }
 
 #if GTEST_HAS_DEATH_TEST

@@ -112,7 +112,7 @@ class ConfigAction(ProgramTest):
     def test_values_that_are_refused(self):
         for text, changes in (
                 ("Invalid Mode: Swap", {"Mode": '"Swap"'}),
-                ("Swap Mode is not available in this build yet.", {"Mode": '"swap"'}),
+                ("Key not found: BytesPerSeek", {"Mode": '"swap"'}),
                 ("Invalid Constant: tau", {"Constant": '{ Constant : "tau" }'}),
                 ("16 is a perfect square.", {"Constant": '{ Constant : "sqrt" Argument : 16 Algorithm : "0" }'}),
                 ("Path is not writable.", {"Output": '{ Path : "none" DigitsPerFile : 0 }'}),

@@ -73,10 +73,10 @@ class CustomMenu(ProgramTest):
     def test_the_mode(self):
         with self.menu() as session:
             self.choose(session, "7", "0", "3", "1")
-            self.choose(session, "7", "2")
-            self.leave(session)
-            self.assertIn("Swap Mode is not available in this build yet.", session.text())
             self.assertEqual(self.shown(session, "Computation Mode:"), "Ram Only")
+            self.choose(session, "7", "2")
+            self.assertEqual(self.shown(session, "Computation Mode:"), "Swap Mode")
+            self.leave(session)
 
     def test_a_computation_larger_than_the_machine_is_warned_of(self):
         with self.menu() as session:

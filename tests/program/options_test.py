@@ -41,6 +41,11 @@ OPTIONS = [
         value: "Option -minIO is not supported for this mode." for value in ("", "1M", HUGE)}),
     (PI, "-swap", "Option -swap is not supported for this mode.", {
         value: "Option -swap is not supported for this mode." for value in ("", "x", HUGE)}),
+    ((*PI, "-mode:swap"), "-M", ACCEPTED, {value: ACCEPTED for value in ("", "x", "-1", "0", "4G", HUGE)}),
+    ((*PI, "-mode:swap"), "-minIO", ACCEPTED, {value: ACCEPTED for value in ("", "x", "-1", "0", "1M", HUGE)}),
+    ((*PI, "-mode:swap"), "-swap", "Expected more parameters.\n", {
+        "": "Expected more parameters.\n", "x": "Unrecognized mode\n", "RAID0": "Unrecognized mode\n",
+        HUGE: "Unrecognized mode\n", "raid0": "Expected more parameters.\n", "raid3": "Expected more parameters.\n"}),
     # What follows is the path, whatever it is.
     (PI, "-o", "The folder for the digit files does not exist.", {
         value: "The folder for the digit files does not exist." for value in ("", "x")}),

@@ -59,6 +59,30 @@ TEST(GoldenDigitsOf, SquareRootsAndTheGoldenRatio) {
                            {100, 1000, 10000, 100000, 1000000});
 }
 
+TEST(GoldenDigitsOf, ArcCoth) {
+    for (const std::uint64_t x : {2u, 4294967295u}) {
+        expect_reference_files({"arccoth", "series", "Taylor", x}, "arccoth(" + std::to_string(x) + ")",
+                               {100, 1000, 10000, 100000});
+    }
+}
+
+TEST(GoldenDigitsOf, ZetaOfThreeTheLemniscateAndCatalansConstant) {
+    constexpr Algorithm algorithms[] = {
+        {"zeta(3)", "az-long", "AZ (long)"}, {"zeta(3)", "az-short", "AZ (short)"},
+        {"lemniscate", "gauss", "Gauss"},    {"lemniscate", "sebah", "Sebah"},
+        {"catalan", "lupas", "Lupas"},       {"catalan", "huvent", "Huvent"},
+    };
+    for (const Algorithm& algorithm : algorithms) {
+        expect_reference_files(algorithm, algorithm.constant, {100, 1000, 10000, 100000});
+    }
+}
+
+TEST(GoldenDigitsOf, EulersConstantByBothMethods) {
+    expect_reference_files({"gamma", "brent-refined", "Brent-McMillan (refined)"}, "gamma",
+                           {100, 1000, 10000, 100000});
+    expect_reference_files({"gamma", "brent-original", "Brent-McMillan"}, "gamma", {100, 1000, 10000, 100000});
+}
+
 // The digits of 10 x are those of x one place further.
 void expect_shifted(const Algorithm& one, const Algorithm& ten_times, const std::string& shared) {
     for (const std::uint64_t digits : {100, 12345, 54321}) {
@@ -76,6 +100,16 @@ TEST(GoldenDigitsOf, TheVerificationsThatTheMenusName) {
     expect_shifted({"sqrt", "newton", "Newton", 2}, {"sqrt", "newton", "Newton", 200}, "14");
     // 10 times the golden ratio is sqrt(125) + 5.
     expect_shifted({"goldenratio", "newton", "Newton"}, {"sqrt", "newton", "Newton", 125}, "11");
+}
+
+TEST(GoldenDigitsOf, Logarithms) {
+    for (const std::uint64_t n : {2, 3, 10}) {
+        const std::string reference = "log(" + std::to_string(n) + ")";
+        for (const Algorithm& algorithm : {Algorithm{"log", "machin-primary", "Machin (primary)", n},
+                                           Algorithm{"log", "machin-secondary", "Machin (secondary)", n}}) {
+            expect_reference_files(algorithm, reference, {100, 1000, 10000, 100000});
+        }
+    }
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "constants/catalogue.h"
 #include "errors/exception.h"
 #include "errors/file_exception.h"
-#include "sessions/ram_configuration.h"
+#include "sessions/ram_settings.h"
 #include "support/console.h"
 #include "support/folder.h"
 #include "support/messages.h"
@@ -26,7 +26,7 @@ using kelvara_test::printed_by;
 
 class SavedComputation : public testing::Test {
   protected:
-    std::string save(const RamSettings& settings, const std::string& answer) const {
+    std::string save(const ComputationSettings& settings, const std::string& answer) const {
         return printed_by([&] {
             FedInput input(answer + "\n");
             save_computation(settings);
@@ -37,7 +37,7 @@ class SavedComputation : public testing::Test {
         std::string text;
         printed_by([&] {
             FedInput input(answer + "\n");
-            text = write_settings(load_computation()).to_text(0);
+            text = load_computation().current().write_config().to_text(0);
         });
         return text;
     }
@@ -67,7 +67,7 @@ TEST_F(SavedComputation, ComesBackFromItsFile) {
     EXPECT_EQ(save(settings, "mine"),
               "Enter path to save configuration file. (the .ini extension can be omitted)\nPath: ");
     EXPECT_TRUE(std::filesystem::exists(folder_.native("mine.ini")));
-    const std::string text = write_settings(settings).to_text(0);
+    const std::string text = settings.write_config().to_text(0);
     EXPECT_EQ(load("mine"), text);
     EXPECT_EQ(load("mine.ini"), text);
 }
@@ -97,7 +97,7 @@ TEST_F(SavedComputation, ReplacesAFile) {
     put("mine.ini", std::string(100000, 'x'));
     save(settings_of_e(), "mine");
     EXPECT_LT(content("mine.ini").size(), 2000u);
-    EXPECT_EQ(load("mine"), write_settings(settings_of_e()).to_text(0));
+    EXPECT_EQ(load("mine"), settings_of_e().write_config().to_text(0));
 }
 
 // Kept as it is: a dot in a folder's name counts.
@@ -105,7 +105,7 @@ TEST_F(SavedComputation, ADotAnywhereSuppressesTheExtension) {
     std::filesystem::create_directory(folder_.native("my.dir"));
     save(settings_of_e(), "my.dir/pi");
     EXPECT_TRUE(std::filesystem::exists(folder_.native("my.dir/pi")));
-    EXPECT_EQ(load("my.dir/pi"), write_settings(settings_of_e()).to_text(0));
+    EXPECT_EQ(load("my.dir/pi"), settings_of_e().write_config().to_text(0));
 }
 
 TEST_F(SavedComputation, CannotBeSavedWhereThereIsNoFolder) {
@@ -124,6 +124,23 @@ TEST_F(SavedComputation, FilesOfOtherActionsAreRefused) {
               "The I/O benchmark is not available in this build yet.");
     EXPECT_EQ(message_of<InvalidParametersException>([&] { load("lower"); }),
               "Invalid Action: customcompute");
+}
+
+TEST_F(SavedComputation, OfSwapModeComesBackAndIsNotRun) {
+    SwapSettings settings;
+    settings.set_decimal_digits(12'345);
+    settings.set_memory_cap(1 << 30);
+    qmp::RaidSettings raid;
+    ASSERT_EQ(raid.set_raid3({folder_.path(), folder_.path(), ""}), "");
+    settings.set_raid(raid);
+    save(settings, "swap");
+    EXPECT_EQ(load("swap"), settings.write_config().to_text(0));
+    std::string message;
+    EXPECT_EQ(printed_by([&] {
+                  message = message_of<qmp::InvalidParametersException>([] { run_configuration("swap"); });
+              }),
+              "\nSwap Mode is not available in this build yet.\n");
+    EXPECT_EQ(message, "Cannot run computation with these parameters.");
 }
 
 }  // namespace

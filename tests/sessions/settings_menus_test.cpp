@@ -6,7 +6,7 @@
 #include "sessions/memory_menu.h"
 #include "sessions/mode_menu.h"
 #include "sessions/output_format_menu.h"
-#include "sessions/ram_configuration.h"
+#include "sessions/ram_settings.h"
 #include "support/console.h"
 #include "support/messages.h"
 
@@ -56,7 +56,7 @@ TEST(OutputFormatMenu, AsksUntilTheAnswerIsInRange) {
 
 TEST(OutputFormatMenu, CompressionIsNotAvailableYet) {
     RamSettings settings = settings_of(1'000'000, 0);
-    const std::string before = write_settings(settings).to_text(0);
+    const std::string before = settings.write_config().to_text(0);
     std::string message;
     printed_by([&] {
         FedInput input("1\n");
@@ -73,21 +73,20 @@ TEST(OutputFormatMenu, CompressionIsNotAvailableYet) {
         text.ends_with("\n\nDigits per file: Digits per file: Digits per file: Digits per file: "
                        "Digits per file: "))
         << text;
-    EXPECT_EQ(write_settings(settings).to_text(0), before);
+    EXPECT_EQ(settings.write_config().to_text(0), before);
 }
 
-std::string print_mode_menu(RamSettings& settings, const char* answers, std::string& message) {
+std::string print_mode_menu(CustomSettings& settings, const char* answers) {
     return printed_by([&] {
         FedInput input(answers);
-        message = message_of<qmp::InvalidParametersException>([&] { ask_mode(settings); });
+        ask_mode(settings);
     });
 }
 
-TEST(ModeMenu, OffersRamOnly) {
-    RamSettings settings = settings_of(50'000, 0);
-    std::string message;
-    const std::string text = print_mode_menu(settings, "0\n3\nram\n1\n", message);
-    EXPECT_EQ(message, "nothing was thrown");
+TEST(ModeMenu, ShowsWhatTheModesTake) {
+    CustomSettings settings;
+    settings.current().set_hexadecimal_digits(0);
+    const std::string text = print_mode_menu(settings, "0\n3\nram\n1\n");
     const std::string start =
         "Select a Mode:\n\n"
         "Option      Mode            Memory      Disk Memory\n\n"
@@ -108,15 +107,17 @@ TEST(ModeMenu, OffersRamOnly) {
     EXPECT_TRUE(text.ends_with(end)) << text;
     // The disk's column.
     EXPECT_EQ(text.size(), start.size() + 12 + end.size()) << text;
+    EXPECT_EQ(settings.mode(), ComputationMode::ram_only);
 }
 
-TEST(ModeMenu, SwapModeIsNotAvailableYet) {
-    RamSettings settings;
-    const std::string before = write_settings(settings).to_text(0);
-    std::string message;
-    print_mode_menu(settings, "2\n", message);
-    EXPECT_EQ(message, "Swap Mode is not available in this build yet.");
-    EXPECT_EQ(write_settings(settings).to_text(0), before);
+TEST(ModeMenu, ChangesTheModeAndBack) {
+    CustomSettings settings;
+    const std::string swap = print_mode_menu(settings, "2\n");
+    EXPECT_EQ(settings.mode(), ComputationMode::swap);
+    // The estimate of Ram Only is for what is current, whatever its mode.
+    EXPECT_EQ(print_mode_menu(settings, "2\n"), swap);
+    print_mode_menu(settings, "1\n");
+    EXPECT_EQ(settings.mode(), ComputationMode::ram_only);
 }
 
 std::string print_memory_menu(RamSettings& settings, const char* answers) {
@@ -153,9 +154,9 @@ TEST(MemoryMenu, ShowsWhatTheComputationReserves) {
 TEST(MemoryMenu, OptionOneChangesNothing) {
     RamSettings settings;
     settings.set_allocator("malloc");
-    const std::string before = write_settings(settings).to_text(0);
+    const std::string before = settings.write_config().to_text(0);
     EXPECT_EQ(occurrences(print_memory_menu(settings, "1\n1\n0\n"), "Memory Settings\n"), 3u);
-    EXPECT_EQ(write_settings(settings).to_text(0), before);
+    EXPECT_EQ(settings.write_config().to_text(0), before);
 }
 
 TEST(MemoryMenu, ChoosesAnAllocatorAndItsOwnOptions) {
@@ -169,6 +170,77 @@ TEST(MemoryMenu, ChoosesAnAllocatorAndItsOwnOptions) {
     EXPECT_EQ(config.get_string("LockedPages", ""), "forced");
 }
 
+std::string print_memory_menu(SwapSettings& settings, const char* answers) {
+    return printed_by([&] {
+        FedInput input(answers);
+        edit_memory(settings);
+    });
+}
+
+// A build that cannot run the computation does not know what it takes.
+TEST(SwapMemoryMenu, ShowsWhatIsKnown) {
+    SwapSettings settings;
+    settings.set_memory_cap(1'000'000'000);
+    settings.set_allocator("malloc");
+    EXPECT_EQ(print_memory_menu(settings, "3\n-1\n0\n"),
+              "Memory Settings\n\n"
+              "    Twiddle Factor Tables     not available in this build yet\n"
+              "    Disk I/O Buffers          67,108,864 (64.0 MiB)\n"
+              "    Minimum Working Memory    not available in this build yet\n"
+              "    ----------------------------------------\n"
+              "    Minimum Total Memory      not available in this build yet\n\n"
+              "    Current Working Memory    not available in this build yet\n"
+              "    Current Total Memory      1,000,000,000 ( 954 MiB)\n\n"
+              "Options:\n\n"
+              "   1    Adjust Total Memory\n"
+              "   2    Memory Allocator:       C malloc()\n"
+              "   0    Done!\n\n"
+              "In Swap Mode, memory is used as a cache for disk. So it's usually best\n"
+              "to use as much as possible without running out of memory.\n\n"
+              "option: option: option: \n");
+}
+
+TEST(SwapMemoryMenu, AdjustsTheTotalMemory) {
+    SwapSettings settings;
+    const std::string text = print_memory_menu(settings, "1\n2.5GB\n0\n");
+    EXPECT_NE(text.find("option: \nPlease Select a Memory Cap:\n\n"
+                        "Enter a memory limit: (e.g. 768MB, 2.5GB, etc...)\nBytes: \nMemory Settings\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(settings.memory_cap(), std::uint64_t{5} << 29);
+    print_memory_menu(settings, "1\n99E\n0\n");
+    EXPECT_EQ(settings.memory_cap(), 0x6ffffffffffffff9u);
+}
+
+TEST(SwapMemoryMenu, ChoosesAnAllocatorAndItsOwnOptions) {
+    SwapSettings settings;
+    settings.set_allocator("malloc");
+    print_memory_menu(settings, "2\n1\n3\n0\n");
+    EXPECT_STREQ(settings.allocator().get_type_name(), "mmap");
+    EXPECT_EQ(settings.allocator().write_config().get_string("LargePages", ""), "forced");
+}
+
+// A constant that no build computes.
+class Unknown final : public Constant {
+  public:
+    Unknown() : Constant(make_constant(id_pi)->info()) {}
+    std::string full_name() const override { return "Tau"; }
+    std::unique_ptr<Constant> clone() const override { return std::make_unique<Unknown>(*this); }
+};
+
 // What a constant needs that this build cannot compute is not known.
+TEST(Menus, OfConstantsThatCannotBeComputedSaySo) {
+    CustomSettings settings;
+    settings.current().set_constant(std::make_unique<Unknown>());
+    const char* text = "Tau is not available in this build yet.";
+    auto& ram = static_cast<RamSettings&>(settings.current());
+    EXPECT_EQ(message_of<qmp::InvalidParametersException>([&] { edit_memory(ram); }), text);
+    EXPECT_EQ(ram.obstacle(), text);
+    EXPECT_FALSE(ram.can_run());
+    EXPECT_NE(print_mode_menu(settings, "1\n")
+                  .find("1      Ram Only             not available in this build yet\n"),
+              std::string::npos);
+}
+
 }  // namespace
 }  // namespace kelvara

@@ -1,5 +1,6 @@
 #include "platform/parallel/settings.h"
 
+#include "config/settings_record.h"
 #include "platform/parallel/registry.h"
 
 namespace qmp {
@@ -20,6 +21,23 @@ ParallelSettings read_parallel_settings(const notation::Object& config) {
         static_cast<std::uint64_t>(config.get_integer("TaskDecomposition", parallel_context_name)));
     settings.framework = make_parallelizer(config.get_string("Framework", parallel_context_name));
     settings.framework->read_config(config);
+    return settings;
+}
+
+std::string print_parallel_settings(std::uint64_t task_decomposition, const BasicParallelizer& framework) {
+    return SettingsRecordWriter()
+        .write_integer("tds               :", static_cast<std::int64_t>(task_decomposition))
+        .write_string("framework         :", framework.get_type_name())
+        .append_lines(framework.print_settings())
+        .take();
+}
+
+ParallelSettings load_parallel_settings(TextCursor& cursor) {
+    ParallelSettings settings;
+    settings.task_decomposition =
+        checked_task_decomposition(static_cast<std::uint64_t>(cursor.read_integer_field()));
+    settings.framework = make_parallelizer(cursor.read_string_field());
+    settings.framework->load_settings(cursor);
     return settings;
 }
 

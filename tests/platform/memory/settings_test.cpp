@@ -1,4 +1,4 @@
-// The memory allocators' keys in a configuration.
+// The memory allocators in a configuration and in a settings record.
 #include "platform/memory/settings.h"
 
 #include <gtest/gtest.h>
@@ -74,6 +74,51 @@ TEST(AllocatorSettings, ReportTheAllocatorsOwnKeys) {
               "Key not found: Nodes");
     object.insert("Nodes", std::make_unique<qmp::notation::Array>());
     EXPECT_EQ(message_of<qmp::InvalidParametersException>([&] { qmp::read_allocator_settings(object); }),
+              "Node list cannot be empty.");
+}
+
+std::unique_ptr<qmp::BasicAllocator> load(const std::string& record) {
+    qmp::TextCursor cursor(record);
+    auto allocator = qmp::load_allocator_settings(cursor);
+    EXPECT_EQ(cursor.rest(), "");
+    return allocator;
+}
+
+TEST(AllocatorRecord, BeginsWithTheAllocatorsName) {
+    EXPECT_EQ(qmp::print_allocator_settings(*qmp::make_allocator("malloc")),
+              "allocator         :\tmalloc\r\n");
+    qmp::MmapAllocator mmap;
+    mmap.locked_pages = qmp::PageMode::forced;
+    EXPECT_EQ(qmp::print_allocator_settings(mmap),
+              "allocator         :\tmmap\r\n    largepages    :\t1\r\n    locked        :\t2\r\n");
+}
+
+TEST(AllocatorRecord, ComesBackAsItWasWritten) {
+    qmp::InterleaveAllocator interleave;
+    interleave.hashed = false;
+    interleave.locked_pages = qmp::PageMode::forced;
+    interleave.nodes = {0, 7, UINT64_MAX};
+    qmp::MmapAllocator mmap;
+    mmap.large_pages = qmp::PageMode::disabled;
+    const auto runtime_heap = qmp::make_allocator("malloc");
+    const qmp::BasicAllocator* allocators[] = {&interleave, &mmap, runtime_heap.get()};
+    for (const qmp::BasicAllocator* allocator : allocators) {
+        const std::string record = qmp::print_allocator_settings(*allocator);
+        const auto copy = load(record);
+        EXPECT_STREQ(copy->get_type_name(), allocator->get_type_name());
+        EXPECT_EQ(qmp::print_allocator_settings(*copy), record);
+    }
+}
+
+TEST(AllocatorRecord, RefusesWhatIsWrong) {
+    EXPECT_EQ(message_of<qmp::InvalidParametersException>([] { load("a:\theap\r\n"); }),
+              "Invalid Memory Allocator: heap");
+    for (const char* record : {"", "a:\tmmap\r\n", "a:\tmmap\r\nl:\t1\r\nl:\t1x\r\n", "mmap\r\n"}) {
+        EXPECT_EQ(message_of<qmp::ParseException>([&] { load(record); }), "Unexpected end of string.")
+            << record;
+    }
+    EXPECT_EQ(message_of<qmp::InvalidParametersException>(
+                  [] { load("a:\tinterleave\r\nh:\t1\r\nl:\t0\r\nn:\t0\r\n"); }),
               "Node list cannot be empty.");
 }
 

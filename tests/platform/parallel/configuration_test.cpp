@@ -1,4 +1,4 @@
-// The frameworks' keys in a configuration.
+// The frameworks in a configuration and in a settings record.
 #include <gtest/gtest.h>
 
 #include "errors/exception.h"
@@ -6,9 +6,11 @@
 #include "platform/parallel/push_pool_parallelizer.h"
 #include "platform/parallel/registry.h"
 #include "platform/parallel/settings.h"
+#include "support/messages.h"
 
 namespace {
 
+using kelvara_test::message_of;
 using qmp::notation::Object;
 
 std::vector<std::string> keys_of(const Object& object) {
@@ -147,6 +149,49 @@ TEST(ParallelConfiguration, TakesNumbersForFlags) {
         async.read_config(config);
         EXPECT_EQ(async.async_only(), number != 0);
     }
+}
+
+qmp::ParallelSettings load(const std::string& record) {
+    qmp::TextCursor cursor(record);
+    auto settings = qmp::load_parallel_settings(cursor);
+    EXPECT_EQ(cursor.rest(), "");
+    return settings;
+}
+
+TEST(ParallelRecord, BeginsWithTasksAndName) {
+    EXPECT_EQ(qmp::print_parallel_settings(5, *qmp::make_parallelizer("none")),
+              "tds               :\t5\r\nframework         :\tnone\r\n");
+    EXPECT_EQ(qmp::print_parallel_settings(5, *qmp::make_parallelizer("pushpool")),
+              "tds               :\t5\r\nframework         :\tpushpool\r\n"
+              "    worker threads:\t0\r\n    randomization :\t1\r\n");
+}
+
+TEST(ParallelRecord, ComesBackAsItWasWritten) {
+    for (const std::string& key : qmp::parallelizer_keys()) {
+        for (const std::uint64_t tasks : {1, 65'536}) {
+            const auto framework = qmp::make_parallelizer(key);
+            framework->handle_menu_option(key == "pushpool" ? 5 : 4);
+            const std::string record = qmp::print_parallel_settings(tasks, *framework);
+            const qmp::ParallelSettings copy = load(record);
+            EXPECT_EQ(copy.task_decomposition, tasks);
+            EXPECT_STREQ(copy.framework->get_type_name(), key.c_str());
+            EXPECT_EQ(qmp::print_parallel_settings(tasks, *copy.framework), record);
+        }
+    }
+}
+
+TEST(ParallelRecord, RefusesWhatIsWrong) {
+    for (const char* tasks : {"0", "65537", "-1"}) {
+        EXPECT_EQ(message_of<qmp::InvalidParametersException>(
+                      [&] { load("t:\t" + std::string(tasks) + "\r\nf:\tnone\r\n"); }),
+                  "Task decomposition must be between 1 and 65,536.");
+    }
+    EXPECT_EQ(message_of<qmp::InvalidParametersException>([] { load("t:\t1\r\nf:\tNone\r\n"); }),
+              "Invalid Parallel Framework: None");
+    for (const char* record :
+         {"", "t:\t12x\r\nf:\tnone\r\n", "t 1\r\nf:\tnone\r\n", "t:\t1\r\nf:\tpushpool\r\n"})
+        EXPECT_EQ(message_of<qmp::ParseException>([&] { load(record); }), "Unexpected end of string.")
+            << record;
 }
 
 }  // namespace

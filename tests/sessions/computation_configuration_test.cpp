@@ -1,5 +1,4 @@
 // The settings of a computation as an object of a configuration.
-#include "sessions/ram_configuration.h"
 
 #include <gtest/gtest.h>
 
@@ -10,13 +9,12 @@
 #include "constants/catalogue.h"
 #include "errors/exception.h"
 #include "errors/file_exception.h"
-#include "platform/memory/interleave_allocator.h"
-#include "platform/parallel/registry.h"
 #include "radix/digit_counts.h"
+#include "sessions/custom_settings.h"
+#include "sessions/random_settings.h"
 #include "support/console.h"
 #include "support/folder.h"
 #include "support/messages.h"
-#include "support/random_words.h"
 
 namespace kelvara {
 namespace {
@@ -33,12 +31,21 @@ struct Texts {
     std::string mode = "\"ram\"";
     std::string parallelism = "{ TaskDecomposition : 7 Framework : \"none\" }";
     std::string allocator = "{ Allocator : \"malloc\" }";
+    std::string bytes_per_seek = {};
+    std::string memory = {};
+    std::string raid_file = {};
 
     Object object() const {
         std::string text = "{";
-        const std::pair<const char*, const std::string*> members[] = {
-            {"Constant", &constant}, {"ComputeSize", &size},        {"Output", &output},
-            {"Mode", &mode},         {"Parallelism", &parallelism}, {"Allocator", &allocator}};
+        const std::pair<const char*, const std::string*> members[] = {{"Constant", &constant},
+                                                                      {"ComputeSize", &size},
+                                                                      {"Output", &output},
+                                                                      {"Mode", &mode},
+                                                                      {"Parallelism", &parallelism},
+                                                                      {"Allocator", &allocator},
+                                                                      {"BytesPerSeek", &bytes_per_seek},
+                                                                      {"Memory", &memory},
+                                                                      {"RaidFile", &raid_file}};
         for (const auto& [key, member] : members) {
             if (!member->empty()) text += std::string(key) + " : " + *member + "\r\n";
         }
@@ -47,12 +54,21 @@ struct Texts {
     }
 };
 
+// Those of Swap Mode.
+Texts swap_texts() {
+    Texts texts{.mode = "\"swap\""};
+    texts.bytes_per_seek = "65536";
+    texts.memory = "1000000000";
+    texts.raid_file = "{ BufferPerFile : 2000000 Lanes : [{ Type : \"raid0\" Paths : [\"\" \"\"] }] }";
+    return texts;
+}
+
 std::string refusal(const Texts& texts) {
-    return message_of<qmp::InvalidParametersException>([&] { read_settings(texts.object()); });
+    return message_of<qmp::InvalidParametersException>([&] { CustomSettings::read(texts.object()); });
 }
 
 std::string error(const Texts& texts) {
-    return message_of<qmp::ParseException>([&] { read_settings(texts.object()); });
+    return message_of<qmp::ParseException>([&] { CustomSettings::read(texts.object()); });
 }
 
 struct Read {
@@ -65,14 +81,14 @@ Read read_size_of(const std::string& digits, const char* hexadecimal) {
     Read read;
     Texts texts{.size = "{ DecimalDigits : " + digits + " EnableHexDigits : \"" + hexadecimal + "\" }"};
     read.printed = printed_by([&] {
-        const RamSettings settings = read_settings(texts.object());
-        read.decimal = settings.decimal_digits();
-        read.hexadecimal = settings.hexadecimal_digits();
+        const CustomSettings settings = CustomSettings::read(texts.object());
+        read.decimal = settings.current().decimal_digits();
+        read.hexadecimal = settings.current().hexadecimal_digits();
     });
     return read;
 }
 
-TEST(RamConfiguration, IsWrittenInOrder) {
+TEST(ComputationConfiguration, IsWrittenInOrder) {
     RamSettings settings;
     settings.set_constant(make_constant(id_e));
     settings.set_decimal_digits(1000);
@@ -81,7 +97,7 @@ TEST(RamConfiguration, IsWrittenInOrder) {
     settings.set_task_decomposition(3);
     settings.set_framework("none");
     settings.set_allocator("malloc");
-    EXPECT_EQ(write_settings(settings).to_text(0),
+    EXPECT_EQ(settings.write_config().to_text(0),
               "{\r\n"
               "    Constant : {\r\n"
               "        Constant : \"e\"\r\n"
@@ -106,8 +122,10 @@ TEST(RamConfiguration, IsWrittenInOrder) {
               "}\r\n");
 }
 
-TEST(RamConfiguration, IsRead) {
-    const RamSettings settings = read_settings(Texts{}.object());
+TEST(ComputationConfiguration, IsRead) {
+    const CustomSettings custom = CustomSettings::read(Texts{}.object());
+    EXPECT_EQ(custom.mode(), ComputationMode::ram_only);
+    const ComputationSettings& settings = custom.current();
     EXPECT_EQ(settings.constant().id(), id_pi);
     EXPECT_EQ(settings.constant().algorithm(), 1u);
     EXPECT_EQ(settings.decimal_digits(), 12345u);
@@ -122,87 +140,50 @@ TEST(RamConfiguration, IsRead) {
     EXPECT_TRUE(settings.can_run());
 }
 
-class RandomSettings {
-  public:
-    explicit RandomSettings(std::string folder) : folder_(std::move(folder)) {}
-
-    RamSettings next() {
-        RamSettings settings;
-        auto constant = make_constant(static_cast<std::uint32_t>(random_.between(0, constant_count - 1)));
-        if (constant->argument())
-            constant->set_argument(constant->id() == id_euler_gamma_override ? below(64) : root());
-        constant->set_algorithm(static_cast<std::uint32_t>(below(constant->info().algorithms.size())));
-        settings.set_constant(std::move(constant));
-        settings.set_decimal_digits(random_.between(100, std::uint64_t{1} << random_.between(7, 49)));
-        if (flip()) settings.set_hexadecimal_digits(0);
-        if (flip()) settings.output_path = folder_;
-        settings.set_task_decomposition(random_.between(1, 65536));
-        settings.set_framework(
-            qmp::make_parallelizer(qmp::parallelizer_keys()[below(qmp::parallelizer_keys().size())]));
-        const std::uint64_t flag = std::string(settings.framework().get_type_name()) == "pushpool" ? 5 : 4;
-        if (flip()) settings.framework().handle_menu_option(flag);
-        settings.set_allocator(allocator());
-        return settings;
-    }
-
-  private:
-    std::uint64_t below(std::uint64_t limit) { return random_.next() % limit; }
-    bool flip() { return below(2) == 0; }
-    // No square is 2 modulo 4.
-    std::uint64_t root() { return below(std::uint64_t{1} << 28) * 4 + 2; }
-
-    std::unique_ptr<qmp::BasicAllocator> allocator() {
-        constexpr const char* keys[] = {"malloc", "mmap"};
-        if (flip()) {
-            auto interleave = std::make_unique<qmp::InterleaveAllocator>();
-            interleave->hashed = flip();
-            interleave->nodes.assign(random_.between(1, 5), random_.next());
-            return interleave;
-        }
-        auto made = qmp::make_allocator(keys[below(2)]);
-        for (std::uint64_t times = below(4); times > 0; --times)
-            made->handle_menu_option(random_.between(3, 4));
-        return made;
-    }
-
-    kelvara_test::Random random_;
-    std::string folder_;
-};
-
-TEST(RamConfiguration, ComesBackAsItWasWritten) {
+TEST(ComputationConfiguration, ComesBackAsItWasWritten) {
     kelvara_test::TemporaryFolder folder;
     const std::string odd = folder.path("a b {c} [d] 'e' \xc3\xa4 \xe2\x82\xac");
     std::filesystem::create_directory(std::u8string(odd.begin(), odd.end()));
-    RandomSettings random(odd);
+    kelvara_test::RandomSettings random(odd);
     for (std::uint64_t i = 0; i < 100 * kelvara_test::multiplier(); ++i) {
-        const RamSettings settings = random.next();
-        const std::string text = write_settings(settings).to_text(0);
+        const auto settings = random.next();
+        const std::string text = settings->write_config().to_text(0);
         SCOPED_TRACE(text);
         const auto parsed = qmp::notation::parse(text);
-        const RamSettings copy = read_settings(static_cast<const Object&>(*parsed));
-        EXPECT_EQ(write_settings(copy).to_text(0), text);
-        EXPECT_EQ(copy.constant().full_name(), settings.constant().full_name());
-        EXPECT_EQ(copy.constant().algorithm(), settings.constant().algorithm());
-        EXPECT_EQ(copy.decimal_digits(), settings.decimal_digits());
-        EXPECT_EQ(copy.hexadecimal_digits(), settings.hexadecimal_digits());
-        EXPECT_EQ(copy.precision(), settings.precision());
-        EXPECT_EQ(copy.output_path, settings.output_path);
-        EXPECT_EQ(copy.task_decomposition(), settings.task_decomposition());
-        EXPECT_EQ(copy.framework().to_string(1), settings.framework().to_string(1));
-        EXPECT_STREQ(copy.allocator().get_type_name(), settings.allocator().get_type_name());
-        EXPECT_EQ(copy.allocator().print_settings(), settings.allocator().print_settings());
+        CustomSettings custom = CustomSettings::read(static_cast<const Object&>(*parsed));
+        const ComputationSettings& copy = custom.current();
+        EXPECT_EQ(copy.write_config().to_text(0), text);
+        // Nothing that a file does not name differs either.
+        EXPECT_EQ(copy.print_settings(), settings->print_settings());
+        EXPECT_EQ(copy.mode(), settings->mode());
+        EXPECT_EQ(copy.constant().full_name(), settings->constant().full_name());
+        EXPECT_EQ(copy.constant().algorithm(), settings->constant().algorithm());
+        EXPECT_EQ(copy.decimal_digits(), settings->decimal_digits());
+        EXPECT_EQ(copy.hexadecimal_digits(), settings->hexadecimal_digits());
+        EXPECT_EQ(copy.precision(), settings->precision());
+        EXPECT_EQ(copy.output_path, settings->output_path);
+        EXPECT_EQ(copy.task_decomposition(), settings->task_decomposition());
+        EXPECT_EQ(copy.framework().to_string(1), settings->framework().to_string(1));
+        EXPECT_EQ(copy.allocator().print_settings(), settings->allocator().print_settings());
+        if (const SwapSettings* swap = custom.swap()) {
+            const auto& original = static_cast<const SwapSettings&>(*settings);
+            EXPECT_EQ(swap->memory_cap(), original.memory_cap());
+            EXPECT_EQ(swap->bytes_per_seek(), original.bytes_per_seek());
+            EXPECT_EQ(swap->raid().buffer_total(), original.raid().buffer_total());
+        }
     }
 }
 
 // Kept as it is: the file only knows hexadecimal output as on or off.
-TEST(RamConfiguration, AHexadecimalCountOfItsOwnIsNotKept) {
+TEST(ComputationConfiguration, AHexadecimalCountOfItsOwnIsNotKept) {
     RamSettings settings;
     settings.set_decimal_digits(1000);
     settings.set_hexadecimal_digits(200);
-    EXPECT_EQ(read_settings(write_settings(settings)).hexadecimal_digits(), qmp::dec_to_hex(1000));
+    EXPECT_EQ(CustomSettings::read(settings.write_config()).current().hexadecimal_digits(),
+              qmp::dec_to_hex(1000));
 }
 
-TEST(RamConfiguration, SizesAreBroughtIntoTheLimits) {
+TEST(ComputationConfiguration, SizesAreBroughtIntoTheLimits) {
     const char* below = "Warning: Precision below minimum. Adjusting to minimum.\n";
     const char* above = "Warning: Precision above maximum: Clipping to maximum.\n";
     for (const char* digits : {"99", "0", "-1", "-9223372036854775808"}) {
@@ -225,17 +206,18 @@ TEST(RamConfiguration, SizesAreBroughtIntoTheLimits) {
     }
 }
 
-TEST(RamConfiguration, TooFewDigitsPerFileTurnCompressionOff) {
+TEST(ComputationConfiguration, TooFewDigitsPerFileTurnCompressionOff) {
     for (const char* digits : {"1", "999999"}) {
         std::uint64_t read = 1;
         Texts texts{.output = std::string("{ Path : \"\" DigitsPerFile : ") + digits + " }"};
-        EXPECT_EQ(printed_by([&] { read = read_settings(texts.object()).digits_per_file(); }),
-                  "Warning: Digits per file below minimum: Disabling compression.\n");
+        EXPECT_EQ(
+            printed_by([&] { read = CustomSettings::read(texts.object()).current().digits_per_file(); }),
+            "Warning: Digits per file below minimum: Disabling compression.\n");
         EXPECT_EQ(read, 0u);
     }
 }
 
-TEST(RamConfiguration, CompressionIsNotAvailableYet) {
+TEST(ComputationConfiguration, CompressionIsNotAvailableYet) {
     Texts texts{.size = "{ DecimalDigits : 2000000 EnableHexDigits : \"true\" }"};
     for (const char* digits : {"1000000", "-1"}) {
         texts.output = std::string("{ Path : \"\" DigitsPerFile : ") + digits + " }";
@@ -245,24 +227,101 @@ TEST(RamConfiguration, CompressionIsNotAvailableYet) {
     EXPECT_EQ(refusal(texts), "Too few digits to compress.");
 }
 
-TEST(RamConfiguration, TheOutputFolderMustBeWritable) {
+TEST(ComputationConfiguration, TheOutputFolderMustBeWritable) {
     kelvara_test::TemporaryFolder folder;
     std::ofstream(folder.native("file")) << "no folder";
     for (const char* name : {"missing", "file"}) {
         Texts texts{.output = "{ Path : \"" + folder.path(name) + "\" DigitsPerFile : 0 }"};
-        EXPECT_EQ(message_of<qmp::FileIO::FileException>([&] { read_settings(texts.object()); }),
+        EXPECT_EQ(message_of<qmp::FileIO::FileException>([&] { CustomSettings::read(texts.object()); }),
                   "Path is not writable.");
     }
 }
 
-TEST(RamConfiguration, OnlyRamOnlyIsAvailable) {
-    EXPECT_EQ(refusal({.mode = "\"swap\""}), "Swap Mode is not available in this build yet.");
-    for (const char* mode : {"Swap", "Ram", "RAM", "ram ", ""}) {
+TEST(ComputationConfiguration, RefusesOtherModes) {
+    for (const char* mode : {"Swap", "SWAP", "Ram", "RAM", "ram ", ""}) {
         EXPECT_EQ(refusal({.mode = "\"" + std::string(mode) + "\""}), std::string("Invalid Mode: ") + mode);
     }
 }
 
-TEST(RamConfiguration, ReportsEveryMissingKey) {
+TEST(ComputationConfiguration, OfSwapModeIsRead) {
+    CustomSettings custom = CustomSettings::read(swap_texts().object());
+    EXPECT_EQ(custom.mode(), ComputationMode::swap);
+    const SwapSettings* settings = custom.swap();
+    ASSERT_NE(settings, nullptr);
+    EXPECT_EQ(settings->constant().algorithm(), 1u);
+    EXPECT_EQ(settings->decimal_digits(), 12345u);
+    EXPECT_EQ(settings->task_decomposition(), 7u);
+    EXPECT_EQ(settings->bytes_per_seek(), 65'536u);
+    EXPECT_EQ(settings->memory_cap(), 1'000'000'000u);
+    EXPECT_EQ(settings->raid_description(), "RAID 0 with 2 paths");
+    EXPECT_EQ(settings->raid().buffer_per_file(), 2'000'000u);
+    EXPECT_FALSE(settings->can_run());
+}
+
+TEST(ComputationConfiguration, OfSwapModeIsWrittenInOrder) {
+    SwapSettings settings;
+    settings.set_memory_cap(5);
+    const Object object = settings.write_config();
+    std::vector<std::string> keys;
+    for (const auto& member : object.members()) keys.push_back(member.key);
+    EXPECT_EQ(keys, (std::vector<std::string>{"Constant", "ComputeSize", "Output", "Mode", "Parallelism",
+                                              "Allocator", "BytesPerSeek", "Memory", "RaidFile"}));
+    EXPECT_EQ(object.get_string("Mode", ""), "swap");
+    // The default, which follows the swap files.
+    EXPECT_EQ(object.get_integer("BytesPerSeek", ""), 0);
+    EXPECT_EQ(object.get_integer("Memory", ""), 5);
+    EXPECT_EQ(object.get_object("RaidFile", "").to_text(0),
+              "{\r\n    BufferPerFile : 67108864\r\n    Lanes : []\r\n}\r\n");
+}
+
+TEST(ComputationConfiguration, OfSwapModeMissesItsOwnKeys) {
+    Texts texts = swap_texts();
+    texts.raid_file = "";
+    EXPECT_EQ(error(texts), "Key not found: RaidFile");
+    texts.memory = "";
+    EXPECT_EQ(error(texts), "Key not found: Memory");
+    texts.bytes_per_seek = "";
+    EXPECT_EQ(error(texts), "Key not found: BytesPerSeek");
+}
+
+TEST(ComputationConfiguration, OfSwapModeRefusesWrongValues) {
+    Texts texts = swap_texts();
+    texts.bytes_per_seek = "\"1M\"";
+    EXPECT_EQ(error(texts), "Custom Compute: Expected Integer, got String.");
+    texts = swap_texts();
+    texts.memory = "{}";
+    EXPECT_EQ(error(texts), "Custom Compute: Expected Integer, got Object.");
+    texts = swap_texts();
+    texts.raid_file = "[]";
+    EXPECT_EQ(error(texts), "Custom Compute: Expected Object, got Array.");
+    texts.raid_file = "{ BufferPerFile : 1 Lanes : [{ Type : \"raid5\" Paths : [] }] }";
+    EXPECT_EQ(refusal(texts), "Invalid Raid Type: raid5");
+}
+
+TEST(ComputationConfiguration, FiguresOfSwapModeAreBroughtIntoTheirLimits) {
+    const auto read = [](const char* bytes_per_seek, const char* memory) {
+        Texts texts = swap_texts();
+        texts.bytes_per_seek = bytes_per_seek;
+        texts.memory = memory;
+        CustomSettings settings = CustomSettings::read(texts.object());
+        return std::pair(settings.swap()->bytes_per_seek(), settings.swap()->memory_cap());
+    };
+    EXPECT_EQ(read("1000", "0"), (std::pair<std::uint64_t, std::uint64_t>(4096, 0)));
+    EXPECT_EQ(read("0", "9223372036854775807"),
+              (std::pair<std::uint64_t, std::uint64_t>(2 << 20, 0x6ffffffffffffff9)));
+    EXPECT_EQ(read("-1", "-1"),
+              (std::pair<std::uint64_t, std::uint64_t>(0x7fffffffffffffff, 0x6ffffffffffffff9)));
+}
+
+// Ram Only does not look at them.
+TEST(ComputationConfiguration, OfRamOnlyMayHoldTheKeysOfSwapMode) {
+    Texts texts = swap_texts();
+    texts.mode = "\"ram\"";
+    texts.memory = "\"none\"";
+    EXPECT_EQ(CustomSettings::read(texts.object()).mode(), ComputationMode::ram_only);
+}
+
+TEST(ComputationConfiguration, ReportsEveryMissingKey) {
     EXPECT_EQ(error({.constant = ""}), "Key not found: Constant");
     EXPECT_EQ(error({.constant = "{}"}), "Key not found: Constant");
     EXPECT_EQ(error({.size = ""}), "Key not found: ComputeSize");
@@ -278,7 +337,7 @@ TEST(RamConfiguration, ReportsEveryMissingKey) {
     EXPECT_EQ(error({.allocator = "{}"}), "Key not found: Allocator");
 }
 
-TEST(RamConfiguration, NamesTheObjectInEveryTypeError) {
+TEST(ComputationConfiguration, NamesTheObjectInEveryTypeError) {
     EXPECT_EQ(error({.constant = "1"}), "Custom Compute: Expected Object, got Integer.");
     EXPECT_EQ(error({.size = "[]"}), "Custom Compute: Expected Object, got Array.");
     EXPECT_EQ(error({.size = "{ DecimalDigits : \"1\" EnableHexDigits : \"true\" }"}),
@@ -297,7 +356,7 @@ TEST(RamConfiguration, NamesTheObjectInEveryTypeError) {
     EXPECT_EQ(error({.allocator = "\"malloc\""}), "Custom Compute: Expected Object, got String.");
 }
 
-TEST(RamConfiguration, RefusesWhatItsPartsRefuse) {
+TEST(ComputationConfiguration, RefusesWhatItsPartsRefuse) {
     EXPECT_EQ(refusal({.constant = "{ Constant : \"tau\" }"}), "Invalid Constant: tau");
     EXPECT_EQ(refusal({.constant = "{ Constant : \"sqrt\" Argument : 16 Algorithm : \"0\" }"}),
               "16 is a perfect square.");
