@@ -1,6 +1,8 @@
 #include "constants/arccoth_series.h"
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 #include "constants/arccoth_terms.h"
 #include "errors/check.h"
@@ -12,10 +14,12 @@
 namespace kelvara {
 
 using qmp::BasicInt;
+using qmp::ComputeContext;
 using qmp::DoubleWord;
 using qmp::ExactFloat;
 using qmp::leaf_mul;
 using qmp::leaf_set;
+using qmp::OwnedBigFloat;
 using qmp::Word;
 
 namespace {
@@ -97,9 +101,28 @@ void ArcCothSeries::BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const q
     set_leaf(R, r);
 }
 
-qmp::OwnedBigFloat sum_arccoth(const qmp::ComputeContext& context, std::uint64_t x, std::int64_t c,
-                               std::uint64_t p) {
+OwnedBigFloat sum_arccoth(const ComputeContext& context, std::uint64_t x, std::int64_t c, std::uint64_t p) {
     return SumSeries(ArcCothSeries(x), context, p, 1, x, c);
+}
+
+OwnedBigFloat sum_arccoth_term(const ComputeContext& context, std::uint64_t x, std::int64_t c,
+                               std::uint64_t p) {
+    context.progress->heading(std::to_string(c) + " ArcCoth( " + std::to_string(x) + " )");
+    return sum_arccoth(context, x, c, p);
+}
+
+OwnedBigFloat add_arccoth_term(const ComputeContext& context, OwnedBigFloat sum, std::uint64_t x,
+                               std::int64_t c, std::uint64_t p) {
+    const std::uint64_t kept = p + qmp::big_float_extra_precision;
+    OwnedBigFloat both;
+    {
+        const OwnedBigFloat term = sum_arccoth_term(context, x, c, p);
+        both = OwnedBigFloat(context.region, kept + 1);
+        both.number.set_add(context.parallel, sum.number, term.number, p);
+        both.number.truncate_to(kept);
+        sum = {};
+    }
+    return relocate(context, std::move(both));
 }
 
 void ArcCoth_BSR_End_small(BasicInt& P, BasicInt& Q, BasicInt& R, Word square, std::uint64_t a,

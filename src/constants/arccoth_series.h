@@ -4,13 +4,8 @@
 //   ArcCoth(x) = sum over k >= 0 of 1 / ((2k + 1) x^(2k + 1)) = (1 + S) / x,
 //   S = sum over k >= 1 of 1 / ((2k + 1) x^(2k)) = P/Q, with P(k) = 1, Q(k) = x^2 (2k + 1), R(k) = 2k + 1.
 //
-// A sum of several, as c1 ArcCoth(x1) + c2 ArcCoth(x2), is
-//   context.progress->heading("18 ArcCoth( 26 )");  // of the steps that follow
-//   OwnedBigFloat sum = sum_arccoth(context, x1, c1, p);
-//   const OwnedBigFloat term = sum_arccoth(context, x2, c2, p);
-//   OwnedBigFloat both(context.region, p + 3);
-//   both.number.set_add(context.parallel, sum.number, term.number, p);
-// Each takes memory_estimate(ArcCothSeries(x), p, tasks) bytes at most, beside what is kept meanwhile.
+// Each multiple takes memory_estimate(ArcCothSeries(x), p, tasks) bytes at most, beside what is kept
+// meanwhile.
 #pragma once
 
 #include <cstdint>
@@ -36,6 +31,13 @@ class ArcCothSeries final : public qmp::BSS_P2B3_Type0 {
 // c ArcCoth(x) to p words, in a buffer of the context's region, as the step "Summing Series...". c != 0.
 qmp::OwnedBigFloat sum_arccoth(const qmp::ComputeContext& context, std::uint64_t x, std::int64_t c,
                                std::uint64_t p);
+
+// The same as a summand, under the heading "18 ArcCoth( 26 )", and a sum of which it is one, to p words. The
+// sum's own place serves its successor.
+qmp::OwnedBigFloat sum_arccoth_term(const qmp::ComputeContext& context, std::uint64_t x, std::int64_t c,
+                                    std::uint64_t p);
+qmp::OwnedBigFloat add_arccoth_term(const qmp::ComputeContext& context, qmp::OwnedBigFloat sum,
+                                    std::uint64_t x, std::int64_t c, std::uint64_t p);
 
 // The ranges (a, b], from term to term, with x^2 in `square`: small where Q(b) fits one word, large wherever
 // x and the indices may be. Capacities in words: P and Q 2 (b - a) + 1, R (b - a) + 1

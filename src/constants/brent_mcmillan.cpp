@@ -118,16 +118,6 @@ CheckedWords product_scratch(const ComputeContext& context, std::uint64_t p) {
     return context.allocate(qmp::scratch_words_for(full_product(p), context.parallel.tds));
 }
 
-// sum = sum + c ArcCoth(x).
-OwnedBigFloat add_arccoth(const ComputeContext& context, const OwnedBigFloat& sum, const LogarithmTerm& term,
-                          std::uint64_t p) {
-    context.progress->heading(std::to_string(term.c) + " ArcCoth( " + std::to_string(term.x) + " )");
-    const OwnedBigFloat value = sum_arccoth(context, term.x, term.c, p);
-    OwnedBigFloat both(context.region, p + qmp::big_float_extra_precision + 1);
-    both.number.set_add(context.parallel, sum.number, value.number, p);
-    return both;
-}
-
 // x / 2^bits.
 void shift_right(qmp::ParallelContext parallel, BigFloat& x, int bits) {
     x.exp -= (bits + 63) / 64;
@@ -313,8 +303,7 @@ OwnedBigFloat BrentMcMillan::compute(const ComputeContext& context) const {
     const std::int64_t exponent = ab_.exponent();
     if (exponent == 0) return gamma;
     for (const LogarithmTerm& term : logarithm_of_2) {
-        gamma = add_arccoth(context, gamma, {-exponent * term.c, term.x}, precision_);
-        gamma = relocate(context, std::move(gamma));
+        gamma = add_arccoth_term(context, std::move(gamma), term.x, -exponent * term.c, precision_);
     }
     return gamma;
 }

@@ -1,6 +1,7 @@
 #include "constants/log_machin.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "constants/arccoth_series.h"
 #include "series/sum_series.h"
@@ -31,25 +32,11 @@ std::uint64_t LogMachin::largest_product() const {
     return largest;
 }
 
-OwnedBigFloat LogMachin::sum_term(const ComputeContext& context, const LogTerm& term) const {
-    context.progress->message(std::to_string(term.c) + " ArcCoth( " + std::to_string(term.x) + " ):", 'w');
-    return sum_arccoth(context, term.x, term.c, precision_);
-}
-
 OwnedBigFloat LogMachin::compute(const ComputeContext& context) const {
     const auto terms = formula_.terms();
-    const std::uint64_t kept = precision_ + qmp::big_float_extra_precision;
-    OwnedBigFloat sum = sum_term(context, terms.front());
+    OwnedBigFloat sum = sum_arccoth_term(context, terms.front().x, terms.front().c, precision_);
     for (const LogTerm& next : terms.subspan(1)) {
-        OwnedBigFloat both;
-        {
-            const OwnedBigFloat term = sum_term(context, next);
-            both = OwnedBigFloat(context.region, kept + 1);
-            both.number.set_add(context.parallel, sum.number, term.number, precision_);
-            both.number.truncate_to(kept);
-            sum = {};
-        }
-        sum = relocate(context, std::move(both));
+        sum = add_arccoth_term(context, std::move(sum), next.x, next.c, precision_);
     }
     return sum;
 }

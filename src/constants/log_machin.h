@@ -20,8 +20,6 @@ class LogMachin final : public RamComputation {
     std::uint64_t largest_product() const override;
 
   private:
-    qmp::OwnedBigFloat sum_term(const qmp::ComputeContext& context, const LogTerm& term) const;
-
     LogFormula formula_;
     std::string short_name_;
     std::string long_name_;

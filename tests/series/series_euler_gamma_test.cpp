@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
 #include "errors/bsr_modular_check.h"
 #include "errors/exception.h"
 #include "series/euler_gamma_sums.h"
