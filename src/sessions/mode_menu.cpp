@@ -19,14 +19,14 @@ namespace console = qmp::console;
 constexpr std::uint64_t memory_column = 28;
 constexpr std::uint64_t disk_column = 12;
 
-// What the computation takes in memory; in words where this build does not know.
+// What the computation takes in memory, or why nobody knows.
 void print_ram_only(const ComputationSettings& settings) {
     const char* label = "1      Ram Only";
     std::unique_ptr<RamComputation> computation;
     try {
         computation = settings.constant().make_ram_computation(settings.task_decomposition());
-    } catch (const qmp::InvalidParametersException&) {
-        console::print_column_line(memory_column, label, SwapSettings::unavailable, 'y');
+    } catch (const qmp::InvalidParametersException& exception) {
+        console::print_column_line(memory_column, label, exception.message(), 'y');
         return;
     }
     std::string estimates = console::format_bytes(computation->memory_estimate());

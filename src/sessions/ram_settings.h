@@ -17,8 +17,8 @@ class RamSettings final : public ComputationSettings {
     const char* mode_key() const override { return "ram"; }
     const char* mode_name() const override { return "Ram Only"; }
 
-    // The computation that these settings describe. InvalidParametersException when this build cannot compute
-    // the constant.
+    // The computation that these settings describe. InvalidParametersException for a parameter that does not
+    // go with the size.
     std::unique_ptr<RamComputation> make_computation() const {
         return constant().make_ram_computation(task_decomposition());
     }

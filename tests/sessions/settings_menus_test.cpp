@@ -220,25 +220,18 @@ TEST(SwapMemoryMenu, ChoosesAnAllocatorAndItsOwnOptions) {
     EXPECT_EQ(settings.allocator().write_config().get_string("LargePages", ""), "forced");
 }
 
-// A constant that no build computes.
-class Unknown final : public Constant {
-  public:
-    Unknown() : Constant(make_constant(id_pi)->info()) {}
-    std::string full_name() const override { return "Tau"; }
-    std::unique_ptr<Constant> clone() const override { return std::make_unique<Unknown>(*this); }
-};
-
-// What a constant needs that this build cannot compute is not known.
+// What a constant needs that cannot be computed is not known.
 TEST(Menus, OfConstantsThatCannotBeComputedSaySo) {
     CustomSettings settings;
-    settings.current().set_constant(std::make_unique<Unknown>());
-    const char* text = "Tau is not available in this build yet.";
+    auto gamma = make_constant(id_euler_gamma_override);
+    gamma->set_argument(63);  // the refined algorithm takes one less
+    settings.current().set_constant(std::move(gamma));
+    const std::string text = "The parameter n = 2^62 is too large for this size.";
     auto& ram = static_cast<RamSettings&>(settings.current());
     EXPECT_EQ(message_of<qmp::InvalidParametersException>([&] { edit_memory(ram); }), text);
     EXPECT_EQ(ram.obstacle(), text);
     EXPECT_FALSE(ram.can_run());
-    EXPECT_NE(print_mode_menu(settings, "1\n")
-                  .find("1      Ram Only             not available in this build yet\n"),
+    EXPECT_NE(print_mode_menu(settings, "1\n").find("1      Ram Only             " + text + "\n"),
               std::string::npos);
 }
 
