@@ -5,8 +5,9 @@ set(kelvara_seal_header ${PROJECT_SOURCE_DIR}/src/platform/integrity_seal.h)
 
 function(kelvara_finish_program target)
   set(program $<TARGET_FILE:${target}>)
-  # A sanitizer looks for line numbers in the program itself. Without objcopy they stay in it, too.
-  if(KELVARA_LINE_NUMBERS AND CMAKE_OBJCOPY AND NOT KELVARA_SANITIZE)
+  # Without objcopy they stay in the program. Sanitizers follow its link to the file; what they build is so
+  # large with them that every start of the program would hash for half a second.
+  if(KELVARA_LINE_NUMBERS AND CMAKE_OBJCOPY)
     list(APPEND commands
          COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${program} ${program}.debug
          COMMAND ${CMAKE_OBJCOPY} --strip-debug --add-gnu-debuglink=${program}.debug ${program})
