@@ -4,40 +4,14 @@ import math
 import os
 import unittest
 
-from kelvara_program import ProgramTest
-from terminal_session import ON_WINDOWS, Session
+from custom_menu_session import CustomMenuTest
+from terminal_session import ON_WINDOWS
 
 PATH_PROMPT = ('Enter the path to write the digits to. (e.g. "C:" or "C:/temp" )' if ON_WINDOWS else
                'Enter the path to write the digits to. (e.g. "/tmp" or "digits" )')
 
 
-class CustomMenu(ProgramTest):
-    """Every session begins at the menu's prompt."""
-
-    def menu(self):
-        session = Session("custom")
-        session.wait_for("Start Computation!")
-        return session
-
-    def choose(self, session, *answers):
-        """Types answers, each at an own prompt, until the menu stands there again."""
-        for answer in answers:
-            prompt, keys = answer if isinstance(answer, tuple) else ("option: ", answer)
-            session.answer(prompt, keys)
-        session.wait_for("Start Computation!")
-
-    def shown(self, session, label):
-        """The value behind a label in the menu shown last."""
-        text = session.text()
-        menu = text[text.rindex("Custom Compute a Constant\n"):]
-        return next(line for line in menu.split("\n") if label in line).split(label)[1].strip()
-
-    def leave(self, session):
-        session.wait_for("option: ")
-        session.type_end_of_input()
-        self.assertEqual(session.end(), 1)
-        self.assertIn("There is no more input: the program ends here.", session.text())
-
+class CustomMenu(CustomMenuTest):
     def test_a_square_root_is_computed_of_what_is_no_square(self):
         with self.menu() as session:
             session.answer("option: ", "1")

@@ -3,6 +3,7 @@
 import os
 import unittest
 
+from custom_menu_session import CustomMenuTest
 from kelvara_program import ProgramTest
 from terminal_session import Session
 
@@ -49,33 +50,13 @@ Manual Configure Hybrid RAID:
 """
 
 
-class SwapMenu(ProgramTest):
+class SwapMenu(CustomMenuTest):
     """Every session begins at the menu of Swap Mode."""
 
     def menu(self):
-        session = Session("custom")
-        session.wait_for("Start Computation!")
+        session = super().menu()
         self.choose(session, "7", "2")
         return session
-
-    def choose(self, session, *answers):
-        """Types answers, each at an own prompt, until the menu stands there again."""
-        for answer in answers:
-            prompt, keys = answer if isinstance(answer, tuple) else ("option: ", answer)
-            session.answer(prompt, keys)
-        session.wait_for("Start Computation!")
-
-    def shown(self, session, label):
-        """The value behind a label in the menu shown last."""
-        text = session.text()
-        menu = text[text.rindex("Custom Compute a Constant\n"):]
-        return next(line for line in menu.split("\n") if label in line).split(label)[1].strip()
-
-    def leave(self, session):
-        session.wait_for("option: ")
-        session.type_end_of_input()
-        self.assertEqual(session.end(), 1)
-        self.assertIn("There is no more input: the program ends here.", session.text())
 
     def test_to_the_letter(self):
         with self.menu() as session:
