@@ -116,16 +116,17 @@ TEST(LogGenerator, Failures) {
 }
 
 TEST(LogFormulaScreen, AsksAndPrints) {
+    // A number of this test's own: formulas that were found before are not looked for again.
     const std::string text = printed_by([] {
-        FedInput input("1009\n99\n1,000\n");
+        FedInput input("104729\n99\n1,000\n");
         run_log_formula_screen();
     });
     const std::uint64_t precision = precision_for_digits(1000);
-    const LogFormulas found = log_formulas(1009, log_units(precision));
+    const LogFormulas found = log_formulas(104729, log_units(precision));
     const std::string expected =
         std::string("\nLog(n)\nn = \nDecimal Digits\ndec = dec = ") + generating + "Primary Formula:\n" +
-        printed_formula("Log[1009] = \n", precision, found.primary) + "Secondary Formula:\n" +
-        printed_formula("Log[1009] = \n", precision, found.secondary);
+        printed_formula("Log[104729] = \n", precision, found.primary) + "Secondary Formula:\n" +
+        printed_formula("Log[104729] = \n", precision, found.secondary);
     EXPECT_EQ(without_times(text), expected);
 }
 
@@ -138,7 +139,7 @@ TEST(LogFormulaScreenFatalTest, Zero) {
                 FedInput input(answer);
                 run_log_formula_screen();
             },
-            "Generating Primary Formula\\.\\.\\.       .*Error: Log\\(0\\)");
+            "Error: Log\\(0\\)");
     }
 }
 
