@@ -43,13 +43,18 @@ class InstalledProgram(ProgramTest):
         with open(self.validation_file(), "rb") as file:
             return file.read()
 
-    def validate(self, path):
-        """What the validator answers to a path."""
+    def run_validator(self, path):
+        """Everything that the validator prints when it is given a path."""
         answer = os.path.join(self.folder, "answer")
         with open(answer, "w", encoding="utf-8") as file:
             file.write(path + "\n")
         with open(answer, encoding="utf-8") as file:
             code, output = self.run_installed("validate", stdin=file)
         self.assertEqual(code, 0, output)
+        return output
+
+    def validate(self, path):
+        """What the validator answers to a path."""
+        output = self.run_validator(path)
         prompt = "Benchmark Validator\n\nEnter Path of Validation File:\n"
         return output[output.index(prompt) + len(prompt):]
