@@ -52,7 +52,9 @@ class QCDFileReader {
     void take_line(std::string_view line);
     std::uint64_t parse_number(std::string_view value) const;
     void compute_layout();
-    void read_digit_words(std::uint64_t position, Word* words, std::uint64_t count);
+    void read_digits(std::uint64_t position, char* output, std::uint64_t count, Word* buffer,
+                     std::uint64_t buffer_words, Unpacker unpack);
+    void read_checked(std::uint64_t position, Word* words, std::uint64_t count);
     [[noreturn]] void fail(const std::string& message) const;
 
     FileIO::SequentialFile file_;
@@ -62,6 +64,7 @@ class QCDFileReader {
     std::uint64_t total_digits_ = 0;
     std::uint64_t digits_per_file_ = 0;
     std::uint64_t file_number_ = 0;
+    bool has_file_number_ = false;
     std::uint64_t word_digits_ = 0;
     std::uint64_t words_ = 0;
     std::uint64_t start_ = 0;

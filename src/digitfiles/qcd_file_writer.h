@@ -39,7 +39,9 @@ class QCDFileWriter {
     // is not full, which makes it the last one. A closed file stays as it is.
     void close();
 
+    // After a failed write, too, the file is closed.
     bool is_open() const { return open_; }
+    bool is_full() const { return digits_written_ == digits_per_file_; }
     const std::string& path() const { return file_.path(); }
     std::uint64_t digits_written() const { return digits_written_; }
 
@@ -49,7 +51,7 @@ class QCDFileWriter {
     void write_header(const std::string& first_digits);
     void write_partial_word();
     void write_total();
-    [[noreturn]] void fail(const char* function, const char* message) const;
+    [[noreturn]] void fail(const char* function, const char* message);
 
     FileIO::SequentialFile file_;
     std::uint32_t radix_;

@@ -20,9 +20,9 @@ class QCDReader final : public DigitReader {
   public:
     static constexpr std::uint64_t least_buffer_bytes = 4096;
 
-    // FileException ("QCDReader::QCDReader()", and those of QCDFileReader). The buffer, in bytes, is for packed
-    // words; a smaller one than the least is raised to it.
-    explicit QCDReader(const std::string& path, bool raw = false, std::uint64_t buffer_size = 1 << 20);
+    // FileException ("QCDReader::QCDReader()", and those of QCDFileReader). The buffer, in bytes, is for
+    // packed words; a smaller one than the least is raised to it.
+    explicit QCDReader(const std::string& path, bool raw = false, std::uint64_t buffer_size = 1048576);
 
     const char* get_extension() const override { return "qcd"; }
     // FileException: beyond a known end ("QCDReader::read()", "Out of range."), a file that is missing or not
@@ -38,8 +38,8 @@ class QCDReader final : public DigitReader {
     bool check_range(std::uint64_t start, std::uint64_t end) override;
     // The integer part and the point, whatever `count` is.
     std::string get_first_digits(std::uint64_t count) override;
-    // Loads up to the end of the file that holds position(). FileException ("QCDReader::reload()") when that is
-    // the known end.
+    // Loads up to the end of the file that holds position(). FileException ("QCDReader::reload()") when that
+    // is the known end.
     void reload() override;
 
     // Another folder that files of the result may lie in.
@@ -66,13 +66,16 @@ class QCDReader final : public DigitReader {
         std::uint64_t total_digits;
     };
 
+    void split_path(const std::string& path);
+    std::string find_file(std::uint64_t k) const;
     void load_new_file(const std::string& path, std::uint64_t k);
-    void take_total(std::uint64_t total);
 
     std::vector<std::string> search_paths_;
+    std::string opened_path_;
     std::string prefix_;
     std::uint64_t number_width_ = 0;
-    MetaData first_;
+    MetaData first_{};
+    std::uint64_t opened_number_ = 0;
     std::unique_ptr<QCDFileReader> current_;
     CheckedWords words_;
     QCDFileReader::Unpacker unpack_ = nullptr;

@@ -57,7 +57,6 @@ class QCDWriter final : public DigitWriter {
     std::optional<QCDFileWriter> file_;
     ProgressCallback progress_;
     std::uint64_t digits_written_ = 0;
-    bool finished_ = false;
 };
 
 }  // namespace qmp

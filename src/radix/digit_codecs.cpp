@@ -43,6 +43,27 @@ void u32_to_h8_text(char* text, const std::uint32_t* words, std::uint64_t n) {
 void d19_to_u64(Word* words, const char* raw, std::uint64_t n) {
     word_codecs().d19_to_u64(words, raw, n);
 }
+void h16_to_u64(Word* words, const char* raw, std::uint64_t n) {
+    word_codecs().h16_to_u64(words, raw, n);
+}
+void unpack_d19(char* raw, const Word* words, std::uint64_t n) {
+    word_codecs().unpack_d19(raw, words, n);
+}
+void unpack_d19_text(char* text, const Word* words, std::uint64_t n) {
+    word_codecs().unpack_d19_text(text, words, n);
+}
+void unpack_h16(char* raw, const Word* words, std::uint64_t n) {
+    word_codecs().unpack_h16(raw, words, n);
+}
+void unpack_h16_text(char* text, const Word* words, std::uint64_t n) {
+    word_codecs().unpack_h16_text(text, words, n);
+}
+void pack_d19(Word* words, const char* raw, std::uint64_t n) {
+    word_codecs().pack_d19(words, raw, n);
+}
+void pack_h16(Word* words, const char* raw, std::uint64_t n) {
+    word_codecs().pack_h16(words, raw, n);
+}
 
 std::span<const DigitCodec> digit_codecs() {
     static const char* const bytes = "SSE2";  // character_codecs.cpp
@@ -50,7 +71,7 @@ std::span<const DigitCodec> digit_codecs() {
     static const DigitCodec codecs[] = {
         {"raw_to_hex", bytes}, {"raw_to_dec", bytes}, {"hex_to_raw", bytes}, {"dec_to_raw", bytes},
         {"u32_to_h8", words},  {"u32_to_d8", words},  {"u64_to_h16", words}, {"u64_to_d19", words},
-        {"h16_to_u64", bytes}, {"d19_to_u64", words},
+        {"h16_to_u64", words}, {"d19_to_u64", words},
     };
     return codecs;
 }
