@@ -98,6 +98,7 @@ void print_rows(bbp::Formula formula, std::uint64_t offset, const bench::Options
 }
 
 void print_table(const bench::Options& options) {
+    bench::use_processor_time(options.processor_time);
     bench::print_processor();
     std::printf(
         "Rates:      millions of terms per second on one thread, in the middle of the sum, with %llu "

@@ -37,7 +37,9 @@ Options parse_options(int argc, char** argv) {
     Options options;
     const std::vector<std::string> all = supported_levels();
     options.levels = all;
-    read_arguments(argc, argv, {{"--help", [&] { options.help = true; }}},
+    read_arguments(argc, argv,
+                   {{"--help", [&] { options.help = true; }},
+                    {"--processor-time", [&] { options.processor_time = true; }}},
                    {{"--offsets", [&](auto value) { options.offsets = offsets_of(value); }},
                     {"--digits", [&](auto value) { options.digits = digits_of(value); }},
                     {"--levels", [&](auto value) { options.levels = chosen(items(value), all, "level"); }},
@@ -54,6 +56,7 @@ void print_help() {
         "  --levels=LIST      instruction-set levels, as \"AVX2,scalar\" (all that run here)\n"
         "  --budget=SECONDS   for one formula and offset (3); at least three rounds are measured in any "
         "case\n"
+        "  --processor-time   the process's own time instead of the wall's, where others work, too\n"
         "  --help\n"
         "\n"
         "A quick look: bbp_bench --offsets=1e9 --budget=0.3\n");

@@ -9,6 +9,7 @@ namespace bench {
 
 struct Options {
     bool help = false;
+    bool processor_time = false;
     std::vector<std::uint64_t> offsets = {1'000'000'000, 1'000'000'000'000};
     std::uint64_t digits = 32;
     std::vector<std::string> levels;
