@@ -57,10 +57,9 @@ constexpr Formula formulas[] = {Formula::plouffe, Formula::bellard};
 TEST(BbpExtractor, TheFirstDigits) {
     const std::string digits = leading_digits();
     for (const Formula formula : formulas) {
-        for (std::uint64_t offset = 0; offset < 40; ++offset) {
+        for (const std::uint64_t offset : {0, 1, 2, 7, 39, 1000}) {
             EXPECT_EQ(extracted(settings_of(formula, offset)), digits.substr(offset, 32)) << offset;
         }
-        EXPECT_EQ(extracted(settings_of(formula, 1000)), digits.substr(1000, 32));
     }
     EXPECT_EQ(extracted(settings_of(Formula::plouffe, 0)), "243F6A8885A308D313198A2E03707344");
 }
