@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
 #include <vector>
 
 #include "console/console.h"
@@ -30,6 +31,9 @@ class SumAction final : public qmp::BasicAction {
     }
 
     std::uint64_t threads() const { return sums_.size(); }
+
+    // No thread takes another block.
+    void stop() { next_.store(blocks_, std::memory_order_relaxed); }
 
     void run(std::uint64_t thread) override {
         if (plan_.bind) plan_.bind(thread);
@@ -68,7 +72,16 @@ Fraction sum_of(const Term& term, std::uint64_t count, std::uint64_t words, cons
         qmp::console::fatal_error("Maximum coefficient size of 2^49 has been exceeded.");
     }
     SumAction action(term, count, words, plan, blocks_done);
-    qmp::run_on_threads(action, 0, action.threads(), 0, plan.start);
+    // The threads that were started must not first do the work of days.
+    const auto start_or_stop = [&](std::function<void()> work) {
+        try {
+            return plan.start(std::move(work));
+        } catch (...) {
+            action.stop();
+            throw;
+        }
+    };
+    qmp::run_on_threads(action, 0, action.threads(), 0, start_or_stop);
     return Fraction(action.total(), words);
 }
 

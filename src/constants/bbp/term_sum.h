@@ -21,7 +21,8 @@ struct ThreadPlan {
 using BlocksDone = std::function<void(std::uint64_t done, std::uint64_t blocks)>;
 
 // The sum for k in [0, count), modulo 1, cut to so many words; the same for every number of threads. Threads
-// for which there are no blocks are not started. Ends the program where a modulus exceeds the limit.
+// for which there are no blocks are not started; std::system_error, soon, where one cannot be started. Ends
+// the program where a modulus exceeds the limit.
 Fraction sum_of(const Term& term, std::uint64_t count, std::uint64_t words, const ThreadPlan& plan,
                 const BlocksDone& blocks_done);
 

@@ -70,12 +70,20 @@ TEST(BbpSum, StartsNoThreadWithoutWork) {
     EXPECT_TRUE(std::ranges::is_sorted(reports));
 }
 
-TEST(BbpSum, ThreadsThatTheSystemRefusesAreAnError) {
+// The two that were started do not sum for years first.
+TEST(BbpSum, AThreadThatTheSystemRefusesEndsIt) {
     ThreadPlan plan = threads(3);
-    plan.start = [](std::function<void()>) -> std::thread {
-        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    int started = 0;  // by this thread only
+    plan.start = [&started](std::function<void()> work) {
+        if (started == 2) {
+            throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+        }
+        ++started;
+        return qmp::start_child_thread(std::move(work));
     };
-    EXPECT_THROW(sum_of({8, 1, -4, 100, true}, 50000, 3, plan, ignore), std::system_error);
+    constexpr std::uint64_t offset = std::uint64_t{1} << 45;
+    EXPECT_THROW(sum_of({8, 1, -4, 4 * offset, true}, offset, 3, plan, ignore), std::system_error);
+    EXPECT_EQ(started, 2);
 }
 
 #if GTEST_HAS_DEATH_TEST
