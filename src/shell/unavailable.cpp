@@ -30,9 +30,6 @@ void run_resumed_computation(const Checkpoint&) {
     not_available("Resuming a computation");
 }
 
-void run_bbp_extractor() {
-    not_available("The BBP digit extractor");
-}
 void run_ordalis() {
     not_available("Ordalis");
 }

@@ -118,6 +118,16 @@ PROMPTS = [
     Prompt("nodes", "9 2 2 3", "Node #", goes_on={
         "letters": "NUMA nodes:             0", "-1": "NUMA nodes:             0",
         HUGE + "\n": f"NUMA nodes:             {BIGGEST}\n"}),
+    number("digit extractor", "", 0, 5, action="bbp"),
+    number("formulas of the digit extractor", "1", 0, 1, action="bbp", goes_on={"": "  1     Formula:                Plouffe"}),
+    Prompt("offset", "2", "Offset: ", action="bbp", again=["70368744177664", "64T", *NO_DIGIT_COUNT],
+           goes_on={"": "  2     Hexadecimal Offset:     0\n", "letters": "Offset:     0\n",
+                    "70368744177663": "Hexadecimal Offset:     70,368,744,177,663\n"}),
+    Prompt("digits of the digit extractor", "3", "Digits: ", action="bbp",
+           again=["", "letters", "0", "7", "1048577", *NO_DIGIT_COUNT],
+           goes_on={"8": "Digits to Compute :     8   Internal Precision: 24 ",
+                    "1M": "Digits to Compute :     1,048,576   Internal Precision: 1,048,592 "}),
+    number("threads of the digit extractor", "4", 1, 65536, "Threads: ", action="bbp"),
     path("configuration to load", "20", refused=["", "none", "none/none", "\x01x", LONG_PATH]),
     path("configuration to save", "21", refused=["none/none", LONG_PATH]),
 ]

@@ -55,7 +55,6 @@ class MainMenu(unittest.TestCase):
         answers = {
             "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
-            "4": "The BBP digit extractor is not available in this build yet.",
             "5": "Ordalis is not available in this build yet.",
             "6": "Advanced Options\n\n  0         Benchmark Validator\n",
             "7": "\nKelvara - Euler's Constant to the eXtReMe\n",
@@ -233,7 +232,7 @@ class CompilationOptions(unittest.TestCase):
         session = self.run_screen()
         for text in ("<T>" + "=" * 64 + "\n<Y>Objects Library\n<white>\n", "Verbose Status          <R>Disabled<white>\n",
                      "InvSqrt Purturb         <G>Enabled<white>\n",
-                     "Primary Algorithm           <P>None (not in this build yet)<white>\n"):
+                     "Primary Algorithm           <P>f64v1_AVX512<white>\n"):
             self.assertTrue(session.shows(text), session.coloured())
 
 
