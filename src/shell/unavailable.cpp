@@ -33,9 +33,6 @@ void run_resumed_computation(const Checkpoint&) {
 void run_bbp_extractor() {
     not_available("The BBP digit extractor");
 }
-void run_ordalis() {
-    not_available("Ordalis");
-}
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");
 }

@@ -11,9 +11,10 @@ namespace Ordalis {
 
 namespace console = qmp::console;
 
-void print_option(int option, std::string_view text) {
+void print_option(int option, std::string_view text, std::string_view remark) {
     console::write("  " + std::to_string(option) + "     ", 'w');
-    console::println(text, 'G');
+    console::write(text, 'G');
+    console::println(remark, 'Y');
     console::reset_color();
 }
 

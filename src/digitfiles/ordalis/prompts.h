@@ -13,8 +13,8 @@ namespace Ordalis {
 // Of a result that is written into several files, each takes at least so many digits.
 constexpr std::uint64_t least_digits_in_file = 1000000;
 
-// A line of a menu.
-void print_option(int option, std::string_view text);
+// A line of a menu, and what stands behind its text.
+void print_option(int option, std::string_view text, std::string_view remark = {});
 // "What would you like to do?" and the first options, which all files have; the hash is one of decimal
 // digits.
 void print_operations(bool decimal);

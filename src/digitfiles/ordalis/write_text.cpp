@@ -16,8 +16,9 @@ void run_write_text(qmp::DigitReader& reader) {
     const std::uint64_t last = last_digit(reader);
     const std::uint64_t start = first - 1;
     const std::uint64_t count = ask_count("Digits to Write: ", 1, last - start);
+    console::newline();
     if (!is_accessible(reader, start, start + count)) return;
-    console::println("\nEnter the path of the destination file:", 'w');
+    console::println("Enter the path of the destination file:", 'w');
     std::string path = console::read_line('T');
     if (!path.ends_with(".txt")) path += ".txt";
     console::newline();
