@@ -108,6 +108,13 @@ class Damage(Ordalis):
         self.assert_told("Error Reading File", "few/pi0.qcd", COUNT, "1", "200")
         self.assertIn("{8,8,12,11,10,8,9,8,12,14}", self.run_ordalis("few/pi0.qcd", COUNT, "1", "100"))
 
+    def test_first_digits_that_are_none(self):
+        write_file(self.folder, "odd/0.qcd", compressed(DECIMAL, 10, 1000, 0, 250).replace(b"3.", b"\x1b[2J"))
+        self.assertIn("First Digits:       ?[2J\n", self.run_ordalis("odd/0.qcd", VIEW, "1", "1"))
+        self.assert_told("A decimal place was not found within the first 63 bytes of the file.",
+                         "odd/0.qcd", HASH, "1")
+        self.assert_told("No decimal place was found.", "odd/0.qcd", WRITE_TEXT, "1", "1", "x")
+
     def test_files_of_different_results(self):
         write_file(self.folder, "few/pi1.qcd", compressed(HEXADECIMAL[:100], 16, 100, 1, 0))
         output = self.run_ordalis("few/pi0.qcd", COUNT, "1", "200")
@@ -116,9 +123,9 @@ class Damage(Ordalis):
 
 class Conversions(Ordalis):
     def test_from_text_to_compressed_and_back(self):
-        self.run_ordalis("pi.txt", COMPRESS, "250", "1m", "Pi", self.folder)
-        self.assertEqual(self.content("Pi/Pi - 0.qcd"), compressed(DECIMAL, 10, 1000000, 0, 250))
-        self.run_ordalis("Pi/Pi - 0.qcd", WRITE_TEXT, "1", "250", "back.txt")
+        self.run_ordalis("pi.txt", COMPRESS, "250", "1m", "New", self.folder)
+        self.assertEqual(self.content("New/New - 0.qcd"), compressed(DECIMAL, 10, 1000000, 0, 250))
+        self.run_ordalis("New/New - 0.qcd", WRITE_TEXT, "1", "250", "back.txt")
         self.assertEqual(self.content("back.txt"), self.content("pi.txt"))
 
     def test_a_single_file_lies_in_the_folder_itself(self):

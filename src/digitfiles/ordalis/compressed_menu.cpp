@@ -24,7 +24,7 @@ void print_file(qmp::QCDReader& reader) {
     console::println("\n\nCompressed Digit File\n", 'P');
     print_line("Digits Found:",
                total != 0 ? console::format_separated(total) : "Unknown - Extended File Format", 'G');
-    print_line("First Digits:", first_digits(reader), 'Y');
+    print_line("First Digits:", shown_first_digits(reader), 'Y');
     print_line("Digits per File:", console::format_separated(reader.digits_per_file()), 'Y');
     console::println("Search paths:", 'w');
     for (const std::string& folder : reader.search_paths()) console::println("    " + folder, 'Y');

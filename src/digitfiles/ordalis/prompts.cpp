@@ -1,5 +1,6 @@
 #include "digitfiles/ordalis/prompts.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "console/console.h"
@@ -54,6 +55,16 @@ std::string first_digits(qmp::DigitReader& reader) {
     std::string digits = reader.get_first_digits(qmp::TextReader::largest_header);
     const std::size_t point = digits.find('.');
     if (point != std::string::npos) digits.resize(point + 1);
+    return digits;
+}
+
+char printable(char c) {
+    return c >= ' ' && c <= '~' ? c : '?';
+}
+
+std::string shown_first_digits(qmp::DigitReader& reader) {
+    std::string digits = first_digits(reader);
+    std::ranges::transform(digits, digits.begin(), printable);
     return digits;
 }
 

@@ -30,6 +30,10 @@ std::uint64_t ask_starting_digit(const qmp::DigitReader& reader);
 // The folder of new files; "." for an answer that is empty or begins with a blank.
 std::string ask_destination_folder();
 
+// A character of a file as it may be shown: what a damaged file holds must not command the terminal.
+char printable(char c);
+// The integer part and the point, or whatever stands there instead, as it may be shown.
+std::string shown_first_digits(qmp::DigitReader& reader);
 // The integer part and the point, or whatever stands there instead.
 std::string first_digits(qmp::DigitReader& reader);
 

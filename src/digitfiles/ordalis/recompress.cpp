@@ -20,13 +20,15 @@ namespace {
 
 constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
 
-std::filesystem::path native_path(const std::string& path) {
-    return std::filesystem::path(std::u8string(path.begin(), path.end()));
+// Windows finds nothing of a name that ends in a slash.
+std::filesystem::path native_folder(const std::string& folder) {
+    const std::filesystem::path path(std::u8string(folder.begin(), folder.end()));
+    return path.has_filename() ? path : path.parent_path();
 }
 
 bool is_same_folder(const std::string& a, const std::string& b) {
     std::error_code error;
-    return std::filesystem::equivalent(native_path(a), native_path(b), error) && !error;
+    return std::filesystem::equivalent(native_folder(a), native_folder(b), error) && !error;
 }
 
 bool is_empty(const FileRange& range) {

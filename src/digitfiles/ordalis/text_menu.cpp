@@ -22,7 +22,7 @@ void run_text_menu(qmp::DigitReader& reader, const std::string& path) {
     console::println("\n\nText File\n", 'P');
     console::print_column_line(
         column, "Total Digits after decimal place:", console::format_separated(reader.get_digits()), 'G');
-    console::print_column_line(column, "First Digits:", first_digits(reader), 'Y');
+    console::print_column_line(column, "First Digits:", shown_first_digits(reader), 'Y');
     console::newline();
     print_operations(decimal);
     print_option(3, "Compress the digits into one or more .qcd file.");

@@ -17,11 +17,6 @@ constexpr std::uint64_t most_digits = 100000;
 constexpr std::uint64_t row_digits = 50;
 constexpr std::uint64_t group_digits = 10;
 
-// What a damaged file holds must not command the terminal.
-char printable(char c) {
-    return c >= ' ' && c <= '~' ? c : '?';
-}
-
 }  // namespace
 
 void run_view(qmp::DigitReader& reader) {
