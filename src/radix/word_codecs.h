@@ -39,7 +39,10 @@ constexpr std::uint64_t word_index(Order order, std::uint64_t i, std::uint64_t n
 const WordCodecs& scalar_word_codecs();
 // Needs SSSE3 and SSE4.1.
 const WordCodecs& sse4_word_codecs();
-// The best level of this processor.
+// Need what the level AVX2 or AVX-512 needs (multiply/instruction_levels.h).
+const WordCodecs& avx2_word_codecs();
+const WordCodecs& avx512_word_codecs();
+// Those of the current level.
 const WordCodecs& word_codecs();
 
 }  // namespace qmp::radix
