@@ -10,8 +10,8 @@
 namespace qmp {
 
 // The extension decides, upper and lower case being different: ".txt" is a text file, whose radix is
-// detected; `buffer_size` (bytes) is for readers that decode. FileException ("OpenDigitFile()") for any
-// other extension, for none, and for ".qcd": this build has no reader for compressed digit files yet.
+// detected; ".qcd" a compressed digit file, whose packed words are read through a buffer of `buffer_size`
+// bytes. FileException ("OpenDigitFile()") for any other extension and for none.
 std::unique_ptr<DigitReader> OpenDigitFile(const std::string& path, bool raw, std::uint64_t buffer_size);
 
 }  // namespace qmp

@@ -1,5 +1,4 @@
-// Digit values to characters and back, byte for byte, and hexadecimal digits to words. The vectors are
-// SSE2, which every x86-64 has.
+// Digit values to characters and back, byte for byte. The vectors are SSE2, which every x86-64 has.
 #include <emmintrin.h>
 
 #include "radix/digit_codecs.h"
@@ -114,17 +113,6 @@ bool dec_to_raw(char* raw, const char* text, std::uint64_t n) {
 }
 bool hex_to_raw(char* raw, const char* text, std::uint64_t n) {
     return decode<HexadecimalToValue>(raw, text, n);
-}
-
-void h16_to_u64(Word* words, const char* raw, std::uint64_t n) {
-    const __m128i first_of_two = _mm_set1_epi16(0x00ff);
-    for (; n > 0; --n, raw += 16) {
-        const __m128i digits = load(raw);
-        const __m128i twos =
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(digits, first_of_two), 4), _mm_srli_epi16(digits, 8));
-        const __m128i bytes = _mm_packus_epi16(twos, twos);
-        words[n - 1] = __builtin_bswap64(static_cast<Word>(_mm_cvtsi128_si64(bytes)));
-    }
 }
 
 }  // namespace qmp

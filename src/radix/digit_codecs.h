@@ -33,6 +33,14 @@ void u32_to_h8_text(char* text, const std::uint32_t* words, std::uint64_t n);
 void d19_to_u64(Word* words, const char* raw, std::uint64_t n);
 void h16_to_u64(Word* words, const char* raw, std::uint64_t n);
 
+// The same with word 0 first, as compressed digit files have them.
+void unpack_d19(char* raw, const Word* words, std::uint64_t n);
+void unpack_d19_text(char* text, const Word* words, std::uint64_t n);
+void unpack_h16(char* raw, const Word* words, std::uint64_t n);
+void unpack_h16_text(char* text, const Word* words, std::uint64_t n);
+void pack_d19(Word* words, const char* raw, std::uint64_t n);
+void pack_h16(Word* words, const char* raw, std::uint64_t n);
+
 // Raw values to characters; the destination may be the source.
 void raw_to_dec(char* text, const char* raw, std::uint64_t n);
 void raw_to_hex(char* text, const char* raw, std::uint64_t n);

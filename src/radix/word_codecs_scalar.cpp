@@ -53,11 +53,12 @@ Word hexadecimal_text(Word bytes) {
     return bytes + every_byte * '0' + letters * ('a' - '0' - 10);
 }
 
-template <bool text>
+template <bool text, Order order>
 void u64_to_decimal(char* digits, const Word* words, std::uint64_t n) {
-    for (std::uint64_t i = n; i-- > 0; digits += 19) {
-        const Word top = words[i] / ten_16;
-        const Word rest = words[i] % ten_16;
+    for (std::uint64_t i = 0; i < n; ++i, digits += 19) {
+        const Word word = words[word_index(order, i, n)];
+        const Word top = word / ten_16;
+        const Word rest = word % ten_16;
         // The three leading digits: the low three of eight.
         Word head = decimal_bytes(top) >> 40;
         Word middle = decimal_bytes(rest / ten_8);
@@ -73,11 +74,12 @@ void u64_to_decimal(char* digits, const Word* words, std::uint64_t n) {
     }
 }
 
-template <bool text>
+template <bool text, Order order>
 void u64_to_hexadecimal(char* digits, const Word* words, std::uint64_t n) {
-    for (std::uint64_t i = n; i-- > 0; digits += 16) {
-        const Word high = hexadecimal_bytes(static_cast<std::uint32_t>(words[i] >> 32));
-        const Word low = hexadecimal_bytes(static_cast<std::uint32_t>(words[i]));
+    for (std::uint64_t i = 0; i < n; ++i, digits += 16) {
+        const Word word = words[word_index(order, i, n)];
+        const Word high = hexadecimal_bytes(static_cast<std::uint32_t>(word >> 32));
+        const Word low = hexadecimal_bytes(static_cast<std::uint32_t>(word));
         store(digits, text ? hexadecimal_text(high) : high);
         store(digits + 8, text ? hexadecimal_text(low) : low);
     }
@@ -99,10 +101,27 @@ void u32_to_hexadecimal(char* digits, const std::uint32_t* words, std::uint64_t 
     }
 }
 
+// The inverse of hexadecimal_bytes(): pairs, fours, eights.
+Word hexadecimal_value(Word bytes) {
+    const Word twos = ((bytes << 4) | (bytes >> 8)) & 0x00ff00ff00ff00ff;
+    const Word fours = ((twos << 8) | (twos >> 16)) & 0x0000ffff0000ffff;
+    return ((fours << 16) | (fours >> 32)) & 0xffffffff;
+}
+
+template <Order order>
 void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
-    for (std::uint64_t i = n; i-- > 0; digits += 19) {
+    for (std::uint64_t i = 0; i < n; ++i, digits += 19) {
         const Word top = static_cast<Word>(digits[0] * 100 + digits[1] * 10 + digits[2]);
-        words[i] = top * ten_16 + decimal_value(load(digits + 3)) * ten_8 + decimal_value(load(digits + 11));
+        words[word_index(order, i, n)] =
+            top * ten_16 + decimal_value(load(digits + 3)) * ten_8 + decimal_value(load(digits + 11));
+    }
+}
+
+template <Order order>
+void hexadecimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
+    for (std::uint64_t i = 0; i < n; ++i, digits += 16) {
+        words[word_index(order, i, n)] =
+            hexadecimal_value(load(digits)) << 32 | hexadecimal_value(load(digits + 8));
     }
 }
 
@@ -110,15 +129,22 @@ void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
 
 const WordCodecs& scalar_word_codecs() {
     static constexpr WordCodecs codecs = {"scalar",
-                                          u64_to_decimal<false>,
-                                          u64_to_decimal<true>,
-                                          u64_to_hexadecimal<false>,
-                                          u64_to_hexadecimal<true>,
+                                          u64_to_decimal<false, Order::number>,
+                                          u64_to_decimal<true, Order::number>,
+                                          u64_to_hexadecimal<false, Order::number>,
+                                          u64_to_hexadecimal<true, Order::number>,
                                           u32_to_decimal<false>,
                                           u32_to_decimal<true>,
                                           u32_to_hexadecimal<false>,
                                           u32_to_hexadecimal<true>,
-                                          decimal_to_u64};
+                                          decimal_to_u64<Order::number>,
+                                          hexadecimal_to_u64<Order::number>,
+                                          u64_to_decimal<false, Order::file>,
+                                          u64_to_decimal<true, Order::file>,
+                                          u64_to_hexadecimal<false, Order::file>,
+                                          u64_to_hexadecimal<true, Order::file>,
+                                          decimal_to_u64<Order::file>,
+                                          hexadecimal_to_u64<Order::file>};
     return codecs;
 }
 

@@ -74,38 +74,44 @@ void store_head(char* digits, Word top) {
     __builtin_memcpy(digits, &characters, sizeof(characters));
 }
 
-template <bool text>
+template <bool text, Order order>
 void u64_to_decimal(char* digits, const Word* words, std::uint64_t n) {
-    // Two words, high then low: head and two groups of eight digits each.
-    const auto convert = [](char* out, Word high, Word low, bool both) {
-        const Word high_rest = high % ten_16;
-        const Word low_rest = low % ten_16;
+    // Two words in the order of their digits: head and two groups of eight digits each.
+    const auto convert = [](char* out, Word first, Word second, bool both) {
+        const Word first_rest = first % ten_16;
+        const Word second_rest = second % ten_16;
         const __m128i groups =
-            _mm_setr_epi32(static_cast<int>(high_rest / ten_8), static_cast<int>(high_rest % ten_8),
-                           static_cast<int>(low_rest / ten_8), static_cast<int>(low_rest % ten_8));
+            _mm_setr_epi32(static_cast<int>(first_rest / ten_8), static_cast<int>(first_rest % ten_8),
+                           static_cast<int>(second_rest / ten_8), static_cast<int>(second_rest % ten_8));
         const Digits32 d = decimal_bytes(groups);
-        store_head<text>(out, high / ten_16);
+        store_head<text>(out, first / ten_16);
         store(out + 3, decimal_character<text>(d.first));
         if (both) {
-            store_head<text>(out + 19, low / ten_16);
+            store_head<text>(out + 19, second / ten_16);
             store(out + 22, decimal_character<text>(d.second));
         }
     };
-    for (; n >= 2; n -= 2, digits += 38) convert(digits, words[n - 1], words[n - 2], true);
-    if (n) convert(digits, words[0], 0, false);
+    std::uint64_t i = 0;
+    for (; i + 2 <= n; i += 2, digits += 38) {
+        convert(digits, words[word_index(order, i, n)], words[word_index(order, i + 1, n)], true);
+    }
+    if (i < n) convert(digits, words[word_index(order, i, n)], 0, false);
 }
 
-template <bool text>
+template <bool text, Order order>
 void u64_to_hexadecimal(char* digits, const Word* words, std::uint64_t n) {
     const __m128i reverse = _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
-    for (; n >= 2; n -= 2, digits += 32) {
-        const Digits32 d = hexadecimal_bytes(load(words + n - 2), reverse);
+    const __m128i reverse_words = _mm_setr_epi8(7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8);
+    std::uint64_t i = 0;
+    for (; i + 2 <= n; i += 2, digits += 32) {
+        const Digits32 d = order == Order::number ? hexadecimal_bytes(load(words + n - i - 2), reverse)
+                                                  : hexadecimal_bytes(load(words + i), reverse_words);
         store(digits, hexadecimal_character<text>(d.first));
         store(digits + 16, hexadecimal_character<text>(d.second));
     }
-    if (n) {
-        const __m128i word = _mm_cvtsi64_si128(static_cast<long long>(words[0]));
-        store(digits, hexadecimal_character<text>(hexadecimal_bytes(_mm_slli_si128(word, 8), reverse).first));
+    if (i < n) {
+        const __m128i word = _mm_cvtsi64_si128(static_cast<long long>(words[word_index(order, i, n)]));
+        store(digits, hexadecimal_character<text>(hexadecimal_bytes(word, reverse_words).first));
     }
 }
 
@@ -137,17 +143,28 @@ void u32_to_hexadecimal(char* digits, const std::uint32_t* words, std::uint64_t 
     }
 }
 
+template <Order order>
 void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
     const __m128i tens = _mm_set1_epi16(10 | 1 << 8);
     const __m128i hundreds = _mm_set1_epi32(100 | 1 << 16);
     const __m128i thousands = _mm_set1_epi32(10000 | 1 << 16);
-    for (; n > 0; --n, digits += 19) {
+    for (std::uint64_t i = 0; i < n; ++i, digits += 19) {
         const __m128i twos = _mm_maddubs_epi16(load(digits + 3), tens);
         const __m128i fours = _mm_madd_epi16(twos, hundreds);
         const __m128i eights = _mm_madd_epi16(_mm_packus_epi32(fours, fours), thousands);
         const Word both = static_cast<Word>(_mm_cvtsi128_si64(eights));
         const Word top = static_cast<Word>(digits[0] * 100 + digits[1] * 10 + digits[2]);
-        words[n - 1] = top * ten_16 + (both & 0xffffffff) * ten_8 + (both >> 32);
+        words[word_index(order, i, n)] = top * ten_16 + (both & 0xffffffff) * ten_8 + (both >> 32);
+    }
+}
+
+template <Order order>
+void hexadecimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
+    const __m128i sixteens = _mm_set1_epi16(16 | 1 << 8);
+    for (std::uint64_t i = 0; i < n; ++i, digits += 16) {
+        const __m128i twos = _mm_maddubs_epi16(load(digits), sixteens);
+        const __m128i bytes = _mm_packus_epi16(twos, twos);
+        words[word_index(order, i, n)] = __builtin_bswap64(static_cast<Word>(_mm_cvtsi128_si64(bytes)));
     }
 }
 
@@ -155,15 +172,22 @@ void decimal_to_u64(Word* words, const char* digits, std::uint64_t n) {
 
 const WordCodecs& sse4_word_codecs() {
     static constexpr WordCodecs codecs = {"SSE4.1",
-                                          u64_to_decimal<false>,
-                                          u64_to_decimal<true>,
-                                          u64_to_hexadecimal<false>,
-                                          u64_to_hexadecimal<true>,
+                                          u64_to_decimal<false, Order::number>,
+                                          u64_to_decimal<true, Order::number>,
+                                          u64_to_hexadecimal<false, Order::number>,
+                                          u64_to_hexadecimal<true, Order::number>,
                                           u32_to_decimal<false>,
                                           u32_to_decimal<true>,
                                           u32_to_hexadecimal<false>,
                                           u32_to_hexadecimal<true>,
-                                          decimal_to_u64};
+                                          decimal_to_u64<Order::number>,
+                                          hexadecimal_to_u64<Order::number>,
+                                          u64_to_decimal<false, Order::file>,
+                                          u64_to_decimal<true, Order::file>,
+                                          u64_to_hexadecimal<false, Order::file>,
+                                          u64_to_hexadecimal<true, Order::file>,
+                                          decimal_to_u64<Order::file>,
+                                          hexadecimal_to_u64<Order::file>};
     return codecs;
 }
 

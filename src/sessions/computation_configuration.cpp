@@ -27,7 +27,6 @@ namespace console = qmp::console;
 constexpr std::string_view settings_context = "Custom Compute";
 constexpr std::string_view size_context = "Computation Size";
 constexpr std::string_view output_context = "Output Format";
-constexpr std::uint64_t least_digits_per_file = 1'000'000;
 
 void insert_object(Object& parent, const char* key, Object&& child) {
     parent.insert(key, std::make_unique<Object>(std::move(child)));
@@ -58,12 +57,12 @@ void read_output(ComputationSettings& settings, const Object& object) {
     if (!qmp::FileIO::path_check(qmp::FileIO::with_trailing_slash(settings.output_folder()))) {
         throw qmp::FileIO::FileException("", "Path is not writable.", settings.output_folder());
     }
-    const std::int64_t digits = object.get_integer("DigitsPerFile", output_context);
-    if (digits > 0 && static_cast<std::uint64_t>(digits) < least_digits_per_file) {
+    auto digits = static_cast<std::uint64_t>(object.get_integer("DigitsPerFile", output_context));
+    if (digits > 0 && digits < ComputationSettings::least_compressed_digits) {
         console::print_label_line("Warning", "Digits per file below minimum: Disabling compression.", 'Y');
-    } else {
-        settings.set_digits_per_file(static_cast<std::uint64_t>(digits));
+        digits = 0;
     }
+    settings.set_digits_per_file(digits);
 }
 
 }  // namespace

@@ -80,13 +80,24 @@ void ComputationSettings::edit_parallelization() {
 }
 
 void ComputationSettings::set_digits_per_file(std::uint64_t digits) {
-    constexpr std::uint64_t least = 1'000'000;
-    if (digits == 0) return;
-    if (decimal_digits_ < least || (hexadecimal_digits_ > 0 && hexadecimal_digits_ < least)) {
+    if (digits != 0) {
+        check_compression();
+        if (digits < least_compressed_digits) {
+            throw qmp::InvalidParametersException("", "Too few digits for file.");
+        }
+    }
+    digits_per_file_ = digits;
+}
+
+bool ComputationSettings::too_small_to_compress() const {
+    return decimal_digits_ < least_compressed_digits ||
+           (hexadecimal_digits_ > 0 && hexadecimal_digits_ < least_compressed_digits);
+}
+
+void ComputationSettings::check_compression() const {
+    if (too_small_to_compress()) {
         throw qmp::InvalidParametersException("", "Too few digits to compress.");
     }
-    if (digits < least) throw qmp::InvalidParametersException("", "Too few digits for file.");
-    throw qmp::InvalidParametersException("", "Compressed digit files are not available in this build yet.");
 }
 
 void ComputationSettings::set_allocator(std::string_view type_name) {
@@ -125,6 +136,8 @@ void ComputationSettings::refresh() {
 }
 
 void ComputationSettings::check() const {
+    // The digits may have become fewer after compression was chosen.
+    if (digits_per_file_ != 0) check_compression();
     constexpr std::uint32_t path_not_found = 2;
     constexpr std::uint32_t access_denied = 5;
     const std::string folder = qmp::FileIO::with_trailing_slash(output_folder());

@@ -28,6 +28,8 @@ std::optional<ComputationMode> mode_of_key(std::string_view key);
 class ComputationSettings : public qmp::ComponentSettings {
   public:
     static constexpr std::uint64_t default_decimal_digits = 50'000;
+    // In a result, and in each of its files.
+    static constexpr std::uint64_t least_compressed_digits = 1'000'000;
 
     virtual ComputationMode mode() const = 0;
     // Of the mode, as configurations and as screens write it.
@@ -45,8 +47,11 @@ class ComputationSettings : public qmp::ComponentSettings {
     // Brings a decimal count into the constant's limits, with a warning on the console for each limit, and
     // turns hexadecimal output on (the equivalent count) or off. For sizes that a file gives.
     void adjust_digits(std::uint64_t decimal, bool hexadecimal);
-    // 0 writes plain text files.
+    // 0 writes plain text files, unlimited_digits_per_file one compressed file of each radix, any other number
+    // compressed files of so many digits.
     void set_digits_per_file(std::uint64_t digits);
+    // Results below least_compressed_digits, in either radix, are written as text only.
+    bool too_small_to_compress() const;
     void set_allocator(std::string_view type_name);
     void set_allocator(std::unique_ptr<qmp::BasicAllocator> allocator) { allocator_ = std::move(allocator); }
     void set_framework(std::string_view type_name);
@@ -107,6 +112,8 @@ class ComputationSettings : public qmp::ComponentSettings {
     virtual void refresh();
 
   private:
+    void check_compression() const;
+
     std::unique_ptr<Constant> constant_;
     std::unique_ptr<qmp::BasicAllocator> allocator_;
     std::unique_ptr<qmp::BasicParallelizer> framework_;

@@ -10,6 +10,7 @@
 #include "console/input.h"
 #include "console/labels.h"
 #include "constants/catalogue.h"
+#include "digitfiles/qcd_file_writer.h"
 #include "errors/exception.h"
 #include "platform/os/process.h"
 #include "sessions/memory_checks.h"
@@ -25,7 +26,6 @@ namespace console = qmp::console;
 constexpr std::uint64_t narrow_column = 20;
 constexpr std::uint64_t wide_column = 30;
 constexpr std::int64_t last_option = 21;
-constexpr std::uint64_t largest_count = std::numeric_limits<std::uint64_t>::max();
 
 std::string output_format_text(std::uint64_t digits_per_file) {
     if (digits_per_file == 0) return "None - Write digits to a text file.";
@@ -34,7 +34,7 @@ std::string output_format_text(std::uint64_t digits_per_file) {
 
 void print_output_format(std::uint64_t digits_per_file) {
     const char* label = "  6     Compress Output:";
-    const bool several_files = digits_per_file != 0 && digits_per_file != largest_count;
+    const bool several_files = digits_per_file != 0 && digits_per_file != qmp::unlimited_digits_per_file;
     if (!several_files) {
         console::print_column_line(wide_column, label, output_format_text(digits_per_file), 'T');
         return;
@@ -95,13 +95,13 @@ bool print_menu(const ComputationSettings& settings) {
 void ask_decimal_digits(ComputationSettings& settings) {
     console::println("Select the # of decimal digits to compute:", 'w');
     console::newline();
-    settings.set_decimal_digits(console::ask_digit_count("Digits: ", 0, largest_count));
+    settings.set_decimal_digits(console::ask_digit_count("Digits: ", 0, std::numeric_limits<std::uint64_t>::max()));
 }
 
 void ask_hexadecimal_digits(ComputationSettings& settings) {
     console::println("Select the # of hexadecimal digits to compute: (0 to disable)", 'w');
     console::newline();
-    settings.set_hexadecimal_digits(console::ask_digit_count("Digits: ", 0, largest_count));
+    settings.set_hexadecimal_digits(console::ask_digit_count("Digits: ", 0, std::numeric_limits<std::uint64_t>::max()));
 }
 
 void ask_output_path(ComputationSettings& settings) {

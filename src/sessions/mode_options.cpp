@@ -8,6 +8,7 @@
 #include "console/labels.h"
 #include "errors/exception.h"
 #include "sessions/memory_menu.h"
+#include "sessions/output_files.h"
 #include "sessions/ram_settings.h"
 #include "sessions/swap_settings.h"
 #include "swap/raid_menu.h"
@@ -19,13 +20,6 @@ namespace console = qmp::console;
 
 // Where the values of the menu stand.
 constexpr std::uint64_t column = 30;
-
-// Two text files: the digits, the point, and what stands before it.
-std::uint64_t output_bytes(const ComputationSettings& settings) {
-    constexpr std::uint64_t whole_part = 22;
-    const std::uint64_t hexadecimal = settings.hexadecimal_digits();
-    return settings.decimal_digits() + whole_part + (hexadecimal > 0 ? hexadecimal + whole_part : 0);
-}
 
 // What the numbers take, and the digit files.
 void print_disk_needed(const ComputationSettings& settings, const std::string& numbers) {

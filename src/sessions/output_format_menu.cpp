@@ -1,23 +1,15 @@
 #include "sessions/output_format_menu.h"
 
 #include <cstdint>
-#include <limits>
 
 #include "console/console.h"
 #include "console/input.h"
+#include "digitfiles/qcd_file_writer.h"
 
 namespace kelvara {
 namespace {
 
 namespace console = qmp::console;
-
-constexpr std::uint64_t least_digits = 1'000'000;
-constexpr std::uint64_t one_file = std::numeric_limits<std::uint64_t>::max();
-
-bool is_too_small(const ComputationSettings& settings) {
-    const std::uint64_t hexadecimal = settings.hexadecimal_digits();
-    return settings.decimal_digits() < least_digits || (hexadecimal > 0 && hexadecimal < least_digits);
-}
 
 std::int64_t ask_format() {
     console::println("Select an Output Format:\n", 'w');
@@ -32,19 +24,20 @@ std::int64_t ask_format() {
 }  // namespace
 
 void ask_output_format(ComputationSettings& settings) {
-    if (is_too_small(settings)) {
+    if (settings.too_small_to_compress()) {
         console::println("Computation is too small for compression.\n");
         console::pause();
         return;
     }
     switch (ask_format()) {
         case 1:
-            settings.set_digits_per_file(one_file);
+            settings.set_digits_per_file(qmp::unlimited_digits_per_file);
             break;
         case 2:
             console::newline();
-            settings.set_digits_per_file(console::ask_digit_count("Digits per file: ", least_digits,
-                                                                  settings.constant().max_digits()));
+            settings.set_digits_per_file(
+                console::ask_digit_count("Digits per file: ", ComputationSettings::least_compressed_digits,
+                                         settings.constant().max_digits()));
             break;
         default:
             settings.set_digits_per_file(0);

@@ -109,8 +109,7 @@ void RamSession::reserve(Memory& memory, const MemoryPlan& plan) {
 void RamSession::compute_and_write(Memory& memory, const RamComputation& computation) {
     SessionProgress progress(record_.log, observer_);
     const qmp::ComputeContext context{settings_.parallel(), &*memory.twiddle_set, &*memory.region, &progress};
-    OutputFiles files(settings_.output_folder(), settings_.constant().short_name(), computation.short_name(),
-                      progress);
+    OutputFiles files(settings_, computation.short_name(), progress);
 
     console::println("Begin Computation:\n");
     record_.log.append("Begin Computation");
@@ -160,6 +159,7 @@ void RamSession::run() {
         settings_.constant().make_ram_computation(settings_.task_decomposition());
     const MemoryPlan plan =
         plan_memory(*computation, settings_.decimal_digits(), settings_.hexadecimal_digits());
+    check_output_files(settings_, computation->short_name());
     warn_if_memory_is_short(plan.working);
     print_header(*computation);
 

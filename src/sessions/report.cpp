@@ -13,7 +13,11 @@ namespace console = qmp::console;
 
 void print_files(const std::vector<WrittenFile>& files) {
     for (const WrittenFile& file : files) {
-        console::print_label_line(file.complete ? "Digit File" : "Incomplete Digit File", file.path,
+        const bool one = file.files <= 1;
+        const std::string label = one ? "Digit File" : "Digit Files";
+        const std::string folder = file.path.substr(0, file.path.find_last_of("/\\") + 1);
+        console::print_label_line(file.complete ? label : "Incomplete " + label,
+                                  one ? file.path : console::format_separated(file.files) + " in " + folder,
                                   file.complete ? 'T' : 'R');
     }
 }

@@ -14,10 +14,11 @@
 
 namespace kelvara {
 
-// One digit file of the run.
+// The digits of one radix of the run, in one file or in several in a folder of their own.
 struct WrittenFile {
-    std::string path;
+    std::string path;  // of the only file, or of the first one
     bool complete = true;
+    std::uint64_t files = 1;
 };
 
 struct SessionRecord {

@@ -30,9 +30,6 @@ void run_resumed_computation(const Checkpoint&) {
     not_available("Resuming a computation");
 }
 
-void run_ordalis() {
-    not_available("Ordalis");
-}
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");
 }

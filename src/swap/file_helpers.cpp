@@ -60,6 +60,15 @@ bool path_check(const std::string& folder) {
     return true;
 }
 
+void create_folder(const std::string& folder) {
+    std::string name = folder;
+    while (name.size() > 1 && (name.back() == '/' || name.back() == '\\')) name.pop_back();
+    const os::ErrorCode error = os::create_directory(name);
+    if (error != os::no_error) {
+        throw FileException("FileIO::create_folder()", "Unable to create folder.", folder, error);
+    }
+}
+
 void rename_with_retries(const std::string& from, const std::string& to) {
     for (;;) {
         os::ErrorCode error = os::no_error;

@@ -51,6 +51,9 @@ class SequentialFile {
 std::uint64_t file_size(const std::string& path);
 // True when a file can be created in the folder (one is, and deleted again).
 bool path_check(const std::string& folder);
+// Makes the folder unless it is there; the one that it lies in must exist. FileException
+// ("FileIO::create_folder()").
+void create_folder(const std::string& folder);
 // Renames, replacing an existing target; tries again until it succeeds.
 void rename_with_retries(const std::string& from, const std::string& to);
 // The folder with a '/' at its end unless it already ends in '/' or '\'.

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "digitfiles/compressed_files.h"
 #include "digitfiles/files.h"
 
 namespace qmp {
@@ -37,9 +38,17 @@ TEST(OpenDigitFile, NamesThatAreNotDigitFiles) {
                           "a.b/digits");
 }
 
-TEST(OpenDigitFile, CompressedFilesAreRefusedByName) {
-    expect_file_exception([] { OpenDigitFile("Pi - 0.qcd", false, 0); }, "OpenDigitFile()",
-                          "Compressed digit files are not available in this build yet.", "Pi - 0.qcd");
+TEST(OpenDigitFile, CompressedFiles) {
+    const TemporaryFile file(
+        "Pi - 0.qcd",
+        kelvara_test::compressed_file({.digits = "14159265358979323846", .total = kelvara_test::padded(20)}));
+    const auto characters = OpenDigitFile(file.path(), false, 0);
+    EXPECT_STREQ(characters->get_extension(), "qcd");
+    EXPECT_EQ(characters->get_radix(), 10u);
+    EXPECT_EQ(characters->next(), '1');
+    const auto values = OpenDigitFile(file.path(), true, 67108864);
+    values->set_pos(19);
+    EXPECT_EQ(values->next(), 6);
 }
 
 }  // namespace

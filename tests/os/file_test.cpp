@@ -139,6 +139,17 @@ TEST_F(OsFiles, Directories) {
     EXPECT_FALSE(qmp::os::directory_exists(path("none")));
 }
 
+TEST_F(OsFiles, FoldersAreMadeOnce) {
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(qmp::os::create_directory(path("folder")), qmp::os::no_error);
+        EXPECT_TRUE(qmp::os::directory_exists(path("folder")));
+    }
+    put("a", "");
+    const qmp::os::ErrorCode in_the_way = qmp::os::create_directory(path("a"));
+    EXPECT_TRUE(in_the_way == qmp::os::file_exists || in_the_way == qmp::os::already_exists) << in_the_way;
+    EXPECT_NE(qmp::os::create_directory(path("none/folder")), qmp::os::no_error);
+}
+
 TEST_F(OsFiles, ClosingTwiceAndMoving) {
     File a;
     EXPECT_EQ(a.close(), qmp::os::no_error);

@@ -133,8 +133,6 @@ class Refusing(ProgramTest):
     def test_compression_of_small_results(self):
         self.assert_refused("Too few digits to compress.", "custom", "pi", "-dec:50000", "-C:1m")
         self.assert_refused("Too few digits for file.", "custom", "pi", "-dec:2m", "-C:1000")
-        self.assert_refused("Compressed digit files are not available in this build yet.", "custom", "pi", "-dec:2m",
-                            "-C:1m")
 
     def test_what_is_not_there_yet_says_so(self):
         self.assert_refused("Swap Mode is not available in this build yet.", "custom", "pi", "-mode:swap")

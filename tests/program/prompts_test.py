@@ -7,6 +7,7 @@ last "answer" of every test.
 import os
 import unittest
 
+from digit_files import write_digit_files
 from kelvara_program import ProgramTest
 from terminal_session import ON_WINDOWS
 
@@ -40,6 +41,16 @@ def number(name, route, low, high, text="option: ", *, goes_on=None, **more):
 def argument(name, route, low, high, squares=()):
     again = ["", "letters", "-5", "0", str(low - 1), str(high + 1), str(BIGGEST + 1), HUGE, *squares]
     return Prompt(name, route, "n = ", again=again)
+
+
+def digit(name, route, text, low, high):
+    """A prompt of the viewer for a digit's number, a number of digits, or a file's."""
+    again = [*NO_DIGIT_COUNT]
+    if low > 0:
+        again += ["", "letters", "0", str(low - 1)]
+    if high < BIGGEST:
+        again += [str(high + 1), str(BIGGEST), "15E"]
+    return Prompt(name, route, text, again=again, action="ordalis")
 
 
 def path(name, route, text="Path: ", **more):
@@ -130,6 +141,39 @@ PROMPTS = [
     number("threads of the digit extractor", "4", 1, 65536, "Threads: ", action="bbp"),
     path("configuration to load", "20", refused=["", "none", "none/none", "\x01x", LONG_PATH]),
     path("configuration to save", "21", refused=["none/none", LONG_PATH]),
+    path("digit file", "", "Enter the path of the file (include .txt or .qcd extensions):\n", action="ordalis"),
+    number("text file", "pi.txt", 0, 3, action="ordalis", goes_on={
+        "": "View a Range of Digits", "letters": "View a Range of Digits"}),
+    number("hexadecimal text file", "hex.txt", 0, 3, action="ordalis"),
+    digit("first digit to view", "pi.txt 0", "Starting Digit: ", 1, 250),
+    digit("digits to view", "pi.txt 0 101", "Digits to View: ", 1, 150),
+    digit("first digit to count", "pi.txt 1", "Starting Digit: ", 1, 250),
+    digit("last digit to count", "pi.txt 1 101", "Ending Digit:   ", 101, 250),
+    digit("last digit of the hash", "pi.txt 2", "Ending Digit: ", 1, 250),
+    digit("digits to compress", "pi.txt 3", "Digits to Write: ", 1, 250),
+    Prompt("digits per file of the viewer", "pi.txt 3 250", "Digits per file (0 for single file): ",
+           again=["1", "999999", *NO_DIGIT_COUNT], action="ordalis",
+           goes_on={"": "Enter a name for the digits:", "letters": "Enter a name for the digits:"}),
+    path("name of the digits", "pi.txt 3 250 0", "Enter a name for the digits:\n", action="ordalis",
+         goes_on={"": "Enter the destination path"}),
+    path("folder of the digits", "pi.txt 3 250 0 Name", "Enter the destination path (SPACE for default):\n",
+         action="ordalis"),
+    number("compressed file", "few/pi2.qcd", 0, 5, action="ordalis", goes_on={"": "View a Range of Digits"}),
+    digit("first compressed digit to view", "few/pi2.qcd 0", "Starting Digit: ", 1, 250),
+    digit("first digit of an unknown number", "few/pi0.qcd 0", "Starting Digit: ", 1, BIGGEST),
+    digit("digits to view of an unknown number", "few/pi0.qcd 0 1", "Digits to View: ", 1, 100000),
+    digit("digits to view at the largest", f"few/pi0.qcd 0 {BIGGEST}", "Digits to View: ", 1, 1),
+    digit("first digit to decompress", "few/pi2.qcd 3", "Starting Digit: ", 1, 250),
+    digit("digits to decompress", "few/pi2.qcd 3 2", "Digits to Write: ", 1, 249),
+    path("text file to write", "few/pi2.qcd 3 2 249", "Enter the path of the destination file:\n",
+         action="ordalis"),
+    digit("digits per file to recompress", "few/pi2.qcd 4", "Digits per file: ", 1000000, BIGGEST),
+    digit("first file to recompress", "few/pi2.qcd 4 1m", "Start ID: ", 0, BIGGEST),
+    digit("last file to recompress", "few/pi2.qcd 4 1m 0", "End   ID: ", 0, BIGGEST),
+    path("folder of the files to recompress", "few/pi2.qcd 4 1m 0 0",
+         "Enter the destination path (SPACE for default):\n", action="ordalis"),
+    path("search folder", "few/pi2.qcd 5", "Enter directory:\n", action="ordalis", goes_on={
+        "": "Search paths:\n    few/\n\n", "none": "Search paths:\n    few/\n    none/\n\n"}),
 ]
 
 
@@ -146,6 +190,7 @@ class Prompts(ProgramTest):
     def setUp(self):
         super().setUp()
         os.chdir(self.folder)
+        write_digit_files(self.folder)
 
     def tearDown(self):
         os.chdir("/")

@@ -55,7 +55,6 @@ class MainMenu(unittest.TestCase):
         answers = {
             "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
-            "5": "Ordalis is not available in this build yet.",
             "6": "Advanced Options\n\n  0         Benchmark Validator\n",
             "7": "\nKelvara - Euler's Constant to the eXtReMe\n",
         }

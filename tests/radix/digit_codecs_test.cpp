@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "multiply/instruction_levels.h"
 #include "platform/processor_features.h"
 #include "radix/word_codecs.h"
 #include "support/random_words.h"
@@ -66,9 +67,18 @@ std::string run(void (*codec)(char*, const W*, std::uint64_t), const std::vector
 class WordCodecLevels : public testing::TestWithParam<const char*> {
   protected:
     void SetUp() override {
-        if (std::string(GetParam()) == "SSE4.1") {
+        const std::string level = GetParam();
+        if (level == "SSE4.1") {
             if (!processor_features().ssse3 || !processor_features().sse41) GTEST_SKIP() << "no SSE4.1";
             codecs = &radix::sse4_word_codecs();
+        }
+        if (level == "AVX2") {
+            if (!supported(InstructionLevel::avx2)) GTEST_SKIP() << "no AVX2";
+            codecs = &radix::avx2_word_codecs();
+        }
+        if (level == "AVX-512") {
+            if (!supported(InstructionLevel::avx512)) GTEST_SKIP() << "no AVX-512";
+            codecs = &radix::avx512_word_codecs();
         }
         ASSERT_STREQ(codecs->level, GetParam());
     }
@@ -77,7 +87,7 @@ class WordCodecLevels : public testing::TestWithParam<const char*> {
 
 TEST_P(WordCodecLevels, WordsOf64Bits) {
     Random random(1);
-    for (std::uint64_t n = 0; n < 40; ++n) {
+    for (std::uint64_t n = 0; n <= 200; ++n) {
         const auto decimal = words_below<Word>(random, n, decimal_word_base);
         EXPECT_EQ(run(codecs->u64_to_d19, decimal, 19), naive_string(decimal, 10, 19, false));
         EXPECT_EQ(run(codecs->u64_to_d19_text, decimal, 19), naive_string(decimal, 10, 19, true));
@@ -101,12 +111,54 @@ TEST_P(WordCodecLevels, WordsOf32Bits) {
 
 TEST_P(WordCodecLevels, DigitsBackToWords) {
     Random random(3);
-    for (std::uint64_t n = 0; n < 40; ++n) {
+    for (std::uint64_t n = 0; n <= 200; ++n) {
         const auto decimal = words_below<Word>(random, n, decimal_word_base);
         std::vector<Word> back(n + 1, kelvara_test::garbage);
         codecs->d19_to_u64(back.data(), ("x" + naive_string(decimal, 10, 19, false)).data() + 1, n);
         EXPECT_EQ(std::vector<Word>(back.begin(), back.end() - 1), decimal);
         EXPECT_EQ(back.back(), kelvara_test::garbage);
+    }
+}
+
+// The order of compressed digit files: digits into garbage at odd addresses, words between sentinels.
+TEST_P(WordCodecLevels, TheFirstWordFirst) {
+    Random random(6);
+    const auto pack = [](void (*codec)(Word*, const char*, std::uint64_t), const std::string& digits,
+                         std::uint64_t n) {
+        std::vector<Word> words(n + 2, kelvara_test::garbage);
+        // At the very end of an allocation, so that a sanitizer sees what is read behind it.
+        std::vector<char> source(digits.begin(), digits.end());
+        codec(words.data() + 1, source.data(), n);
+        EXPECT_EQ(words.front(), kelvara_test::garbage);
+        EXPECT_EQ(words.back(), kelvara_test::garbage);
+        return std::vector<Word>(words.begin() + 1, words.end() - 1);
+    };
+    for (std::uint64_t n = 0; n <= 200; ++n) {
+        const auto decimal = words_below<Word>(random, n, decimal_word_base);
+        std::vector<Word> reversed(decimal.rbegin(), decimal.rend());
+        ASSERT_EQ(run(codecs->unpack_d19, decimal, 19), naive_string(reversed, 10, 19, false));
+        ASSERT_EQ(run(codecs->unpack_d19_text, decimal, 19), naive_string(reversed, 10, 19, true));
+        ASSERT_EQ(pack(codecs->pack_d19, naive_string(reversed, 10, 19, false), n), decimal);
+        const auto binary = words_below<Word>(random, n, 0);
+        reversed.assign(binary.rbegin(), binary.rend());
+        ASSERT_EQ(run(codecs->unpack_h16, binary, 16), naive_string(reversed, 16, 16, false));
+        ASSERT_EQ(run(codecs->unpack_h16_text, binary, 16), naive_string(reversed, 16, 16, true));
+        ASSERT_EQ(pack(codecs->pack_h16, naive_string(reversed, 16, 16, false), n), binary);
+    }
+}
+
+// Quotients by 10^8 that stand on a rounded product: words around multiples of it.
+TEST_P(WordCodecLevels, WordsAroundMultiples) {
+    Random random(7);
+    constexpr Word ten_8 = 100000000;
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<Word> words(17);
+        for (Word& w : words) {
+            Word multiple = random.next() % (decimal_word_base / ten_8);
+            if (random.between(0, 3) == 0) multiple -= multiple % ten_8;
+            w = multiple * ten_8 + (random.between(0, 1) ? 0 : ten_8 - 1);
+        }
+        ASSERT_EQ(run(codecs->u64_to_d19, words, 19), naive_string(words, 10, 19, false));
     }
 }
 
@@ -122,8 +174,12 @@ TEST_P(WordCodecLevels, EveryQuotient) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, WordCodecLevels, testing::Values("scalar", "SSE4.1"),
-                         [](const auto& level) { return std::string(level.param).substr(0, 4); });
+INSTANTIATE_TEST_SUITE_P(Levels, WordCodecLevels, testing::Values("scalar", "SSE4.1", "AVX2", "AVX-512"),
+                         [](const auto& level) {
+                             std::string name = level.param;
+                             std::erase_if(name, [](char c) { return c == '.' || c == '-'; });
+                             return name;
+                         });
 
 TEST(DigitCodecs, KnownWords) {
     char digits[20] = {};
@@ -156,8 +212,8 @@ TEST(DigitCodecs, AreListedWithTheirInstructionSets) {
     }
     EXPECT_EQ(listed,
               "raw_to_hex SSE2\nraw_to_dec SSE2\nhex_to_raw SSE2\ndec_to_raw SSE2\n"
-              "u32_to_h8 SSE4.1\nu32_to_d8 SSE4.1\nu64_to_h16 SSE4.1\nu64_to_d19 SSE4.1\n"
-              "h16_to_u64 SSE2\nd19_to_u64 SSE4.1\n");
+              "u32_to_h8 SSE4.1\nu32_to_d8 SSE4.1\nu64_to_h16 AVX-512\nu64_to_d19 AVX-512\n"
+              "h16_to_u64 AVX-512\nd19_to_u64 AVX-512\n");
 }
 
 TEST(DigitCodecs, TheChosenLevelIsInOrderOfDigits) {

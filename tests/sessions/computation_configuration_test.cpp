@@ -217,12 +217,16 @@ TEST(ComputationConfiguration, TooFewDigitsPerFileTurnCompressionOff) {
     }
 }
 
-TEST(ComputationConfiguration, CompressionIsNotAvailableYet) {
+TEST(ComputationConfiguration, Compression) {
     Texts texts{.size = "{ DecimalDigits : 2000000 EnableHexDigits : \"true\" }"};
-    for (const char* digits : {"1000000", "-1"}) {
-        texts.output = std::string("{ Path : \"\" DigitsPerFile : ") + digits + " }";
-        EXPECT_EQ(refusal(texts), "Compressed digit files are not available in this build yet.");
+    for (const std::int64_t digits : {std::int64_t{1000000}, std::int64_t{-1}, std::int64_t{0}}) {
+        texts.output = "{ Path : \"\" DigitsPerFile : " + std::to_string(digits) + " }";
+        const CustomSettings settings = CustomSettings::read(texts.object());
+        EXPECT_EQ(settings.current().digits_per_file(), static_cast<std::uint64_t>(digits));
+        EXPECT_NE(settings.current().write_config().to_text(0).find(std::to_string(digits)),
+                  std::string::npos);
     }
+    texts.output = "{ Path : \"\" DigitsPerFile : -1 }";
     texts.size = "{ DecimalDigits : 999999 EnableHexDigits : \"false\" }";
     EXPECT_EQ(refusal(texts), "Too few digits to compress.");
 }

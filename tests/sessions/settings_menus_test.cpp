@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "constants/catalogue.h"
+#include "digitfiles/qcd_file_writer.h"
 #include "errors/exception.h"
 #include "sessions/memory_menu.h"
 #include "sessions/mode_menu.h"
@@ -54,26 +55,34 @@ TEST(OutputFormatMenu, AsksUntilTheAnswerIsInRange) {
     }
 }
 
-TEST(OutputFormatMenu, CompressionIsNotAvailableYet) {
+TEST(OutputFormatMenu, OneCompressedFile) {
     RamSettings settings = settings_of(1'000'000, 0);
-    const std::string before = settings.write_config().to_text(0);
-    std::string message;
-    printed_by([&] {
-        FedInput input("1\n");
-        message = message_of<qmp::InvalidParametersException>([&] { ask_output_format(settings); });
-    });
-    EXPECT_EQ(message, "Compressed digit files are not available in this build yet.");
-    const std::string text = printed_by([&] {
-        FedInput input("2\n999999\n-5\n1000000000000051\n\n1m\n");
-        message = message_of<qmp::InvalidParametersException>([&] { ask_output_format(settings); });
-    });
-    EXPECT_EQ(message, "Compressed digit files are not available in this build yet.");
+    EXPECT_EQ(print_output_menu(settings, "1\n"), std::string(output_formats) + "option: \n");
+    EXPECT_EQ(settings.digits_per_file(), qmp::unlimited_digits_per_file);
+    print_output_menu(settings, "0\n");
+    EXPECT_EQ(settings.digits_per_file(), 0u);
+}
+
+TEST(OutputFormatMenu, AsksForTheDigitsOfEachFile) {
+    RamSettings settings = settings_of(1'000'000, 0);
+    const std::string text = print_output_menu(settings, "2\n999999\n-5\n1000000000000051\n\n1m\n");
     EXPECT_NE(text.find("option: \nEnter the number of digits: "), std::string::npos) << text;
     EXPECT_TRUE(
         text.ends_with("\n\nDigits per file: Digits per file: Digits per file: Digits per file: "
-                       "Digits per file: "))
+                       "Digits per file: \n"))
         << text;
-    EXPECT_EQ(settings.write_config().to_text(0), before);
+    EXPECT_EQ(settings.digits_per_file(), 1'000'000u);
+}
+
+// Compression that was chosen before the digits became too few for it.
+TEST(OutputFormatMenu, FewerDigitsKeepFromStarting) {
+    RamSettings settings = settings_of(1'000'000, 0);
+    settings.set_digits_per_file(1'000'000);
+    EXPECT_EQ(settings.obstacle(), "");
+    settings.set_decimal_digits(999'999);
+    EXPECT_EQ(settings.obstacle(), "Too few digits to compress.");
+    settings.set_digits_per_file(0);
+    EXPECT_EQ(settings.obstacle(), "");
 }
 
 std::string print_mode_menu(CustomSettings& settings, const char* answers) {

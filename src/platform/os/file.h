@@ -69,5 +69,8 @@ ErrorCode remove_file(const std::string& path);
 // and the code is file_exists or already_exists.
 ErrorCode rename_file(const std::string& from, const std::string& to);
 bool directory_exists(const std::string& path);
+// Makes one folder in a folder that exists. One that is there already is no error; anything else of that name
+// is (file_exists or already_exists).
+ErrorCode create_directory(const std::string& path);
 
 }  // namespace qmp::os

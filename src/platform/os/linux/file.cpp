@@ -132,4 +132,10 @@ bool directory_exists(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+ErrorCode create_directory(const std::string& path) {
+    if (mkdir(path.c_str(), 0777) == 0) return no_error;
+    const int error = errno;
+    return directory_exists(path) ? no_error : code_of_errno(error, write_fault);
+}
+
 }  // namespace qmp::os

@@ -122,4 +122,10 @@ bool directory_exists(const std::string& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+ErrorCode create_directory(const std::string& path) {
+    if (CreateDirectoryW(wide_path(path).c_str(), nullptr)) return no_error;
+    const ErrorCode error = last_error();
+    return directory_exists(path) ? no_error : error;
+}
+
 }  // namespace qmp::os
