@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "series/run_both.h"
 #include "series/series_sizes.h"
 #include "series/transform_pair.h"
 
@@ -69,15 +70,22 @@ void fold_euler_gamma_bm_ab(const MultiplyContext& context, std::uint64_t p,
         pair.load(0, D);
         pair.multiply(D, 0, p);  // D0 D1
     }
-    const ParallelContext parallel = context.parallel();
-    BigFloat sum = half_of(exact[2], 0);
-    sum.set_uadd(parallel, S_product, mixed_product, p);
-    S_product.set_uadd(parallel, sum, S, p);
-    S.set_BigFloat(parallel, S_product, p);
-    sum.set_uadd(parallel, R_product, R, p);
-    R.set_BigFloat(parallel, sum, p);
-    sum.set_uadd(parallel, M_product, M, p);
-    M.set_BigFloat(parallel, sum, p);
+    // Additions run on one thread: those of S beside those of R and M.
+    const ParallelContext one = ParallelContext::sequential();
+    const auto add_to_S = [&] {
+        BigFloat sum = half_of(exact[2], 0);
+        sum.set_uadd(one, S_product, mixed_product, p);
+        S_product.set_uadd(one, sum, S, p);
+        S.set_BigFloat(one, S_product, p);
+    };
+    const auto add_to_R_and_M = [&] {
+        BigFloat sum(context.scratch, context.scratch_words);
+        sum.set_uadd(one, R_product, R, p);
+        R.set_BigFloat(one, sum, p);
+        sum.set_uadd(one, M_product, M, p);
+        M.set_BigFloat(one, sum, p);
+    };
+    run_both(context, add_to_S, add_to_R_and_M);
 }
 
 }  // namespace qmp

@@ -7,11 +7,14 @@
 #include "errors/check.h"
 #include "multiply/basecase/word_kernels.h"
 #include "numbers/check_value.h"
+#include "series/euler_gamma_pairs.h"
 #include "series/leaf_residue.h"
 
 namespace qmp {
 
 namespace {
+
+// Term by term, for any n and any index.
 
 // An integer that grows in a buffer; its top word is not zero.
 class Growing {
@@ -84,59 +87,13 @@ class Growing {
     std::uint64_t length_ = 0;
 };
 
-// The bits of n^(2k), for the terms of one leaf: above those of the leaf's exponent, and modulo the 61 bits
-// of a check value.
-class PowersOfN {
-  public:
-    PowersOfN(std::int32_t exponent, std::uint64_t a, std::uint64_t b) : step_(2 * exponent) {
-        const auto first = static_cast<std::int64_t>(a + 1);
-        const auto last = static_cast<std::int64_t>(b);
-        exp_ = (step_ * (step_ < 0 ? last : first)) >> 6;
-        bits_ = step_ * first;
-        residue_bits_ = static_cast<int>((bits_ % 61 + 61) % 61);
-        residue_step_ = static_cast<int>((step_ + 122) % 61);
-    }
-    // Of all of them, in words.
-    std::int64_t exp() const { return exp_; }
-    std::uint64_t bits() const { return static_cast<std::uint64_t>(bits_ - 64 * exp_); }
-    std::uint64_t residue() const { return std::uint64_t{1} << residue_bits_; }
-    void next() {
-        bits_ += step_;
-        residue_bits_ = (residue_bits_ + residue_step_) % 61;
-    }
-
-  private:
-    std::int64_t step_;
-    std::int64_t exp_;
-    std::int64_t bits_;
-    int residue_bits_;
-    int residue_step_;
-};
-
-}  // namespace
-
-std::uint64_t euler_gamma_leaf_words(std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
-    // A summand is n^(2k), its bits counted from a whole word, times two factors of at most b for each term
-    // behind it, times 1 + H_b - H_k, which is at most b - a. There are b - a of them.
-    const std::uint64_t terms = b - a;
-    const auto factor_bits = static_cast<std::uint64_t>(std::bit_width(b));
-    const std::uint64_t term_bits = 2 * std::max(factor_bits, static_cast<std::uint64_t>(std::abs(exponent)));
-    const std::uint64_t bits =
-        64 + (terms - 1) * term_bits + 2 * static_cast<std::uint64_t>(std::bit_width(terms));
-    return bits / 64 + 1;
-}
-
-void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& S,
-                              std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
-    const std::uint64_t capacity = euler_gamma_leaf_words(exponent, a, b) + 1;
-    for (const ExactFloat* x : {&P, &Q, &R, &S}) {
-        require_capacity("EulerGamma_BM_AB_BSR_End()", x->AL, capacity);
-    }
+void sum_term_by_term(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& S, std::int32_t exponent,
+                      std::uint64_t a, std::uint64_t b) {
     Growing p(P.base);
     Growing q(Q.base);
     Growing r(R.base);
     Growing s(S.base);
-    PowersOfN power(exponent, a, b);
+    EulerGammaPowers power(exponent, a, b);
     q.set_one();
     std::uint64_t p_check = 0;
     std::uint64_t q_check = 1;
@@ -165,6 +122,32 @@ void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, Exact
     q.store(Q, 0, q_check);
     r.store(R, power.exp(), r_check);
     s.store(S, power.exp(), s_check);
+}
+
+}  // namespace
+
+std::uint64_t euler_gamma_leaf_words(std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
+    // A summand is n^(2k), its bits counted from a whole word, times two factors of at most b for each term
+    // behind it, times 1 + H_b - H_k, which is at most b - a. There are b - a of them.
+    const std::uint64_t terms = b - a;
+    const auto factor_bits = static_cast<std::uint64_t>(std::bit_width(b));
+    const std::uint64_t term_bits = 2 * std::max(factor_bits, static_cast<std::uint64_t>(std::abs(exponent)));
+    const std::uint64_t bits =
+        64 + (terms - 1) * term_bits + 2 * static_cast<std::uint64_t>(std::bit_width(terms));
+    return bits / 64 + 1;
+}
+
+void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& S,
+                              std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
+    const std::uint64_t capacity = euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words;
+    for (const ExactFloat* x : {&P, &Q, &R, &S}) {
+        require_capacity("EulerGamma_BM_AB_BSR_End()", x->AL, capacity);
+    }
+    if (sum_in_pairs(exponent, b)) {
+        EulerGammaPairs(P.base, Q.base, R.base, S.base, exponent, a).sum(b, P, Q, R, S);
+    } else {
+        sum_term_by_term(P, Q, R, S, exponent, a, b);
+    }
 }
 
 }  // namespace qmp

@@ -31,7 +31,7 @@ struct Leaf {
 
     Leaf(std::int32_t exponent, std::uint64_t a, std::uint64_t b, std::uint64_t fewer = 0) {
         for (ExactFloat& x : out) {
-            const std::uint64_t words = euler_gamma_leaf_words(exponent, a, b) + 1 - fewer;
+            const std::uint64_t words = euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words - fewer;
             memory.emplace_back(nullptr, words);
             kelvara_test::fill_garbage(memory.back().data(), words);
             x = ExactFloat(memory.back().data(), words);
@@ -81,7 +81,7 @@ TEST(EulerGammaLeaf, AsksForItsCapacity) {
         FAIL();
     } catch (const BufferTooSmallException& e) {
         EXPECT_EQ(e.function(), "EulerGamma_BM_AB_BSR_End()");
-        EXPECT_EQ(e.required_size(), euler_gamma_leaf_words(22, 0, 15) + 1);
+        EXPECT_EQ(e.required_size(), euler_gamma_leaf_words(22, 0, 15) + euler_gamma_leaf_spare_words);
         EXPECT_EQ(e.buffer_size(), e.required_size() - 1);
     }
 }
