@@ -31,13 +31,7 @@ void store(ExactFloat& x, std::uint64_t length, std::int64_t exp, std::uint64_t 
 }  // namespace
 
 EulerGammaPairs::EulerGammaPairs(Word* P, Word* Q, Word* R, Word* S, std::int32_t exponent, std::uint64_t a)
-    : p_(P),
-      q_(Q),
-      r_(R),
-      s_(S),
-      a_(a),
-      square_of_n_(Word{1} << 2 * exponent),
-      power_(exponent, a, a + 1) {
+    : p_(P), q_(Q), r_(R), s_(S), a_(a), square_of_n_(Word{1} << 2 * exponent), power_(exponent, a, a + 1) {
     p_[0] = 0;
     q_[0] = 1;
 }
@@ -80,7 +74,8 @@ void EulerGammaPairs::multiply_pq(Word w, Word v) {
     Word p_carry = 0;
     for (std::uint64_t i = 0; i < pq_length_; i++) {
         const DoubleWord q = static_cast<DoubleWord>(q_[i]) * w + q_carry;
-        const DoubleWord p = static_cast<DoubleWord>(p_[i]) * w + static_cast<DoubleWord>(q_[i]) * v + p_carry;
+        const DoubleWord p =
+            static_cast<DoubleWord>(p_[i]) * w + static_cast<DoubleWord>(q_[i]) * v + p_carry;
         q_[i] = low_word(q);
         q_carry = high_word(q);
         p_[i] = low_word(p);
@@ -98,7 +93,8 @@ void EulerGammaPairs::multiply_rs(Word w, Word v) {
     Word s_carry_2 = 0;
     for (std::uint64_t i = 0; i < rs_length_; i++) {
         const DoubleWord r = static_cast<DoubleWord>(r_[i]) * w + r_carry;
-        const DoubleWord s = static_cast<DoubleWord>(s_[i]) * w + static_cast<DoubleWord>(r_[i]) * v + s_carry;
+        const DoubleWord s =
+            static_cast<DoubleWord>(s_[i]) * w + static_cast<DoubleWord>(r_[i]) * v + s_carry;
         const DoubleWord r_2 = static_cast<DoubleWord>(low_word(r)) * w + r_carry_2;
         const DoubleWord s_2 = static_cast<DoubleWord>(low_word(s)) * w + s_carry_2;
         r_[i] = low_word(r_2);

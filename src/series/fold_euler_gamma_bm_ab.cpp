@@ -54,8 +54,8 @@ void fold_euler_gamma_bm_ab(const MultiplyContext& context, std::uint64_t p,
     BigFloat R_product = half_of(exact[1], 0);
     BigFloat mixed_product = half_of(exact[1], 1);
     {
-        FloatTransformPair pair(
-            context, std::max({D0.L, M0.L, R0.L, S0.L}) + std::max(D.L, M.L) + fold_guard_words);
+        FloatTransformPair pair(context,
+                                std::max({D0.L, M0.L, R0.L, S0.L}) + std::max(D.L, M.L) + fold_guard_words);
         pair.load(0, D);
         pair.load(1, M0);
         pair.multiply(M_product, 1, p);  // M0 D1

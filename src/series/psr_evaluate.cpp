@@ -182,8 +182,7 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
         for (BigFloat& x : running) x.truncate_to(block.precision_at_a + big_float_extra_precision);
         ScopedLabel merge(progress, "-  ", label_colour);
         const std::uint64_t words = exact[1].L + running[running_q<Series>].L;
-        ScopedLabel size(progress, console::format_separated(word_to_dec(words)),
-                         label_size_colour);
+        ScopedLabel size(progress, console::format_separated(word_to_dec(words)), label_size_colour);
         fold_block(series, context, block, exact, memory, running);
     }
 }

@@ -217,7 +217,8 @@ void Series_EulerGamma_BM_AB::merge(const MultiplyContext& context, Buffers& who
         add_in_place(S, A);
         add_in_place(S, S1);
     };
-    run_both(context, [&] { add_in_place(R, R1); }, add_to_S);
+    run_both(
+        context, [&] { add_in_place(R, R1); }, add_to_S);
 }
 
 }  // namespace qmp

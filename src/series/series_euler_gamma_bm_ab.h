@@ -6,10 +6,10 @@
 //   P = Q (H_b - H_a)
 //   R = sum over k = a + 1 .. b of n^(2k) ((k + 1) ... b)^2
 //   S = sum over k = a + 1 .. b of n^(2k) ((k + 1) ... b)^2 (1 + H_b - H_k)
-// so that over (0, N], B = (R + Q^2) / Q^2 and A = ((P + Q) R - Q S) / Q^3. Counting the harmonic numbers from
-// the range's end, not from its beginning, keeps the sums to the square of Q: their denominators are among
-// its factors. The one beside them keeps S from being zero. Powers of n are shifts: R and S keep the lowest
-// one of their range as their exponent.
+// so that over (0, N], B = (R + Q^2) / Q^2 and A = ((P + Q) R - Q S) / Q^3. Counting the harmonic numbers
+// from the range's end, not from its beginning, keeps the sums to the square of Q: their denominators are
+// among its factors. The one beside them keeps S from being zero. Powers of n are shifts: R and S keep the
+// lowest one of their range as their exponent.
 //
 // In words R and S are about twice as long as Q. Sizes are those of A's numerator, three times as long, which
 // leaves each buffer room for a half's R or S beside its number.

@@ -10,6 +10,7 @@
 
 #include "errors/bsr_modular_check.h"
 #include "errors/exception.h"
+#include "series/euler_gamma_pairs.h"
 #include "series/euler_gamma_sums.h"
 #include "series/leaf_euler_gamma_bm_ab.h"
 #include "series/psr_evaluate.h"
@@ -31,7 +32,8 @@ struct Leaf {
 
     Leaf(std::int32_t exponent, std::uint64_t a, std::uint64_t b, std::uint64_t fewer = 0) {
         for (ExactFloat& x : out) {
-            const std::uint64_t words = euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words - fewer;
+            const std::uint64_t words =
+                euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words - fewer;
             memory.emplace_back(nullptr, words);
             kelvara_test::fill_garbage(memory.back().data(), words);
             x = ExactFloat(memory.back().data(), words);
@@ -104,6 +106,30 @@ TEST(EulerGammaLeaf, OfTwoTermsIsTheMergeOfSingleOnes) {
                 EXPECT_TRUE(same_value(left.buffers[i], both.out[i])) << e << ", " << a << ", " << i;
                 EXPECT_EQ(left.buffers[i].hash, both.out[i].hash);
                 EXPECT_EQ(recheck(ParallelContext::sequential(), left.buffers[i]), 0u);
+            }
+        }
+    }
+}
+
+// Leaves far behind n, where the factors of a pair are as large as they come, against the merge of two: every
+// carry of the loops through the words takes part.
+TEST(EulerGammaLeaf, WithTheLargestFactorsIsTheMergeOfItsHalves) {
+    constexpr std::uint64_t end = (std::uint64_t{1} << 31) - 1;
+    for (const std::int32_t e : {0, 1, 15, 30}) {
+        for (std::uint64_t n = 2; n < 64; n++) {
+            PlannedBuffers<Series> left({400, 0});
+            PlannedBuffers<Series> right({400, 0});
+            const CheckedWords scratch(nullptr, TableScratch(600, 1) / sizeof(Word) + 8);
+            const Series series(e);
+            const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
+                                          scratch.data(), scratch.words());
+            series.leaf(context, left.buffers, end - n, end - n / 2);
+            series.leaf(context, right.buffers, end - n / 2, end);
+            Series::merge(context, left.buffers, right.buffers, false);
+            const Leaf both(e, end - n, end);
+            for (std::size_t i = 0; i < 4; i++) {
+                EXPECT_TRUE(same_value(left.buffers[i], both.out[i])) << e << ", " << n << ", " << i;
+                EXPECT_EQ(left.buffers[i].hash, both.out[i].hash);
             }
         }
     }
@@ -198,6 +224,33 @@ TEST(EulerGammaLeaf, EqualsItsDefinition) {
             }
         }
     }
+}
+
+// Where pairs of terms end: at the last index and the last exponent that they take, and at long leaves.
+TEST(EulerGammaLeaf, InPairsAndTermByTerm) {
+    struct Edge {
+        std::int32_t e;
+        std::uint64_t a;
+    };
+    constexpr std::uint64_t last = (std::uint64_t{1} << 31) - 1;
+    const Edge edges[] = {{0, last - 30}, {0, last - 33}, {30, 0}, {31, 0}, {30, 5}, {1, 0}, {3, 11}};
+    for (const Edge& edge : edges) {
+        for (const std::uint64_t n : {29u, 30u, 31u, 32u, 33u, 34u, 35u, 62u, 63u}) {
+            const std::uint64_t b = edge.a + n;
+            const Leaf leaf(edge.e, edge.a, b);
+            const auto expected = euler_gamma_sums(edge.e, edge.a, b, 0);
+            for (std::size_t i = 0; i < 4; i++) {
+                EXPECT_EQ(recheck(ParallelContext::sequential(), leaf.out[i]), 0u);
+                EXPECT_NE(leaf.out[i].T[leaf.out[i].L - 1], 0u);
+                EXPECT_TRUE(integer_of(leaf.out[i], 0) == expected[i])
+                    << "n = 2^" << edge.e << ", (" << edge.a << ", " << b << "], output " << i;
+            }
+        }
+    }
+    EXPECT_TRUE(sum_in_pairs(30, last));
+    EXPECT_FALSE(sum_in_pairs(30, last + 1));
+    EXPECT_FALSE(sum_in_pairs(31, 2));
+    EXPECT_FALSE(sum_in_pairs(-1, 2));
 }
 
 // Merges of every kind: of words, by transforms, before and after the largest term, with odd beginnings.
