@@ -1,7 +1,9 @@
 #include "shell/stress_action.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
+#include <utility>
 
 #include "console/console.h"
 #include "console/input.h"
@@ -9,42 +11,50 @@
 #include "errors/exception.h"
 #include "shell/entry_points.h"
 #include "shell/option_table.h"
-#include "stress/catalogue.h"
 #include "stress/continuous_run.h"
 #include "stress/stress_menu.h"
 
 namespace kelvara {
 namespace {
 
+// What the options fill.
+struct StressOptions {
+    StressSettings settings;
+    std::span<const StressTestEntry> tests;
+};
+
 // A table of the options and what each does to the settings.
-const OptionTable<StressSettings>& option_table() {
-    static const OptionTable<StressSettings> table = {
+const OptionTable<StressOptions>& option_table() {
+    static const OptionTable<StressOptions> table = {
         {"-M",
-         [](StressSettings& s, CommandLine& c) {
-             s.memory = std::min(qmp::console::parse_bytes(take_value(c)), qmp::console::largest_memory_cap);
+         [](StressOptions& s, CommandLine& c) {
+             s.settings.memory =
+                 std::min(qmp::console::parse_bytes(take_value(c)), qmp::console::largest_memory_cap);
          }},
         {"-T",
-         [](StressSettings& s, CommandLine& c) {
-             s.threads = std::max<std::uint64_t>(qmp::console::parse_decimal(take_value(c)), 1);
+         [](StressOptions& s, CommandLine& c) {
+             s.settings.threads = std::max<std::uint64_t>(qmp::console::parse_decimal(take_value(c)), 1);
          }},
-        {"-D", [](StressSettings& s,
-                  CommandLine& c) { s.seconds_per_test = qmp::console::parse_decimal(take_value(c)); }},
+        {"-D",
+         [](StressOptions& s, CommandLine& c) {
+             s.settings.seconds_per_test = qmp::console::parse_decimal(take_value(c));
+         }},
     };
     return table;
 }
 
 // What is no option names a test.
-void choose_test(StressSettings& settings, CommandLine& command_line) {
+void choose_test(StressOptions& options, CommandLine& command_line) {
     const std::string& code = command_line.current_key();
-    if (code.starts_with('-')) refuse_option(settings, command_line);
-    const std::span<const StressTestEntry> tests = stress_tests();
+    if (code.starts_with('-')) refuse_option(options, command_line);
+    const std::span<const StressTestEntry> tests = options.tests;
     const auto found = std::find_if(tests.begin(), tests.end(),
                                     [&](const StressTestEntry& entry) { return entry.code == code; });
     if (found == tests.end()) {
         throw qmp::InvalidParametersException("", "Invalid Command: " + command_line.current());
     }
     if (found->test) {
-        settings.enabled[static_cast<std::size_t>(found - tests.begin())] = true;
+        options.settings.enabled[static_cast<std::size_t>(found - tests.begin())] = true;
     } else {
         qmp::console::println("Algorithm " + code + " is not available.");
     }
@@ -53,13 +63,13 @@ void choose_test(StressSettings& settings, CommandLine& command_line) {
 
 }  // namespace
 
-StressSettings parse_stress_options(CommandLine& command_line) {
+StressSettings parse_stress_options(CommandLine& command_line, std::span<const StressTestEntry> tests) {
     command_line.take_argument();
-    StressSettings settings;
-    settings.enable_all(false);
-    parse_options(option_table(), settings, command_line, choose_test);
-    if (!settings.any_enabled()) settings.enable_all(true);
-    return settings;
+    StressOptions options{{}, tests};
+    options.settings.enable_all(false);
+    parse_options(option_table(), options, command_line, choose_test);
+    if (!options.settings.any_enabled()) options.settings.enable_all(true);
+    return std::move(options.settings);
 }
 
 void run_stress_test_action(CommandLine& command_line) {
