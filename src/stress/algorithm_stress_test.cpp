@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 #include "multiply/fft/fft_params.h"
 #include "multiply/hybrid_ntt/hybrid_params.h"
@@ -50,6 +49,12 @@ std::uint64_t longest_residue_product(std::uint64_t units) {
 
 }  // namespace
 
+// The vector transform's lists end before the length that it names as its largest.
+std::uint64_t AlgorithmStressTest::max_bits() const {
+    const std::uint64_t bits = algorithm_.max_bits;
+    return is("VST") ? std::min(bits, qmp::vst::limit_tables.largest_capacity()) : bits;
+}
+
 TwiddleReach AlgorithmStressTest::twiddle_reach(std::uint64_t units) const {
     switch (need_) {
         case TwiddleNeed::none:
@@ -75,9 +80,8 @@ ProductWork AlgorithmStressTest::work(std::uint64_t n) const {
         qmp::TransformParametersBox box;
         work.bytes += 4 * word * static_cast<double>(algorithm_.construct(box, 2 * n).operand_words);
     }
-    const std::string_view key = algorithm_.key;
-    if (key == "FFT") work.operations = fft_operations(n);
-    if (key == "VST") work.operations = vst_operations(n);
+    if (is("FFT")) work.operations = fft_operations(n);
+    if (is("VST")) work.operations = vst_operations(n);
     return work;
 }
 

@@ -1,6 +1,8 @@
 // A test made of one of the multiplication algorithms.
 #pragma once
 
+#include <string_view>
+
 #include "stress/stress_test.h"
 
 namespace kelvara {
@@ -21,7 +23,7 @@ class AlgorithmStressTest final : public StressTest {
     AlgorithmStressTest(const qmp::Algorithm64& algorithm, TwiddleNeed need)
         : algorithm_(algorithm), need_(need) {}
 
-    std::uint64_t max_bits() const override { return algorithm_.max_bits; }
+    std::uint64_t max_bits() const override;
     std::uint64_t scratch_bytes(std::uint64_t units) const override { return algorithm_.psize(units, 1); }
     TwiddleReach twiddle_reach(std::uint64_t units) const override;
     void square(const qmp::MultiplyContext& context, qmp::Word* product, const qmp::Word* a,
@@ -31,6 +33,8 @@ class AlgorithmStressTest final : public StressTest {
     ProductWork work(std::uint64_t n) const override;
 
   private:
+    bool is(std::string_view key) const { return algorithm_.key == key; }
+
     const qmp::Algorithm64& algorithm_;
     TwiddleNeed need_;
 };
