@@ -68,6 +68,24 @@ TEST(StressMenu, ChangesWhatItShows) {
     EXPECT_EQ(settings.memory, 65536u);
 }
 
+TEST(StressMenu, TakesAnswersThatMakeLittleSense) {
+    struct Case {
+        const char* answers;
+        std::uint64_t seconds, memory;
+    };
+    const Case cases[] = {
+        {"4\n-1\nletters\n3\n1\nletters\n0\n0\n", 0, 0},
+        {"4\n1.5\n3\n1\n-1\n0\n0\n", 1, 0},
+        {"4\n99999999999999999999999\n3\n1\n99999999999E\n0\n0\n", 0x7fffffffffffffff, 0x6ffffffffffffff9},
+    };
+    for (const Case& c : cases) {
+        StressSettings settings = small_settings(1, 1 << 20);
+        edit(settings, without_fft(), c.answers);
+        EXPECT_EQ(settings.seconds_per_test, c.seconds) << c.answers;
+        EXPECT_EQ(settings.memory, c.memory) << c.answers;
+    }
+}
+
 TEST(LargeNumber, HasAUnit) {
     EXPECT_EQ(large_number(0), "0.00");
     EXPECT_EQ(large_number(999), "999.00");
