@@ -1,6 +1,7 @@
 #include "stress/sizing.h"
 
 #include <algorithm>
+#include <map>
 
 #include "multiply/twiddle_set.h"
 #include "multiply/word.h"
@@ -12,11 +13,31 @@ constexpr std::uint64_t whole_lines(std::uint64_t bytes) {
     return (bytes + 63) / 64 * 64;
 }
 
-// Threads and memory may be any numbers of 64 bits.
-bool fits(const StressTest& test, std::uint64_t units, std::uint64_t threads, std::uint64_t bytes) {
-    const StressTestSize size = stress_test_size(test, units);
-    return qmp::DoubleWord{size.part_bytes} * threads + size.table_bytes <= bytes;
-}
+// Whether sizes fit, and what is learnt of the scratch on the way.
+class Search {
+  public:
+    Search(const StressTest& test, std::uint64_t threads, std::uint64_t bytes)
+        : test_(test), threads_(threads), bytes_(bytes) {}
+
+    std::uint64_t most_units() const { return test_.max_bits() / 64; }
+    bool fits(std::uint64_t units) {
+        if (units > most_units()) return false;
+        const StressTestSize size = stress_test_size(test_, units);
+        scratch_.emplace(units, size.scratch_bytes);
+        // Threads and memory may be any numbers of 64 bits.
+        return qmp::DoubleWord{size.part_bytes} * threads_ + size.table_bytes <= bytes_;
+    }
+    bool scratch_increases() const {
+        return std::is_sorted(scratch_.begin(), scratch_.end(),
+                              [](const auto& a, const auto& b) { return a.second < b.second; });
+    }
+
+  private:
+    const StressTest& test_;
+    std::uint64_t threads_;
+    std::uint64_t bytes_;
+    std::map<std::uint64_t, std::uint64_t> scratch_;
+};
 
 }  // namespace
 
@@ -33,21 +54,20 @@ StressTestSize stress_test_size(const StressTest& test, std::uint64_t units) {
     return size;
 }
 
-std::uint64_t largest_units(const StressTest& test, std::uint64_t threads, std::uint64_t bytes) {
-    const std::uint64_t most = test.max_bits() / 64;
-    const auto possible = [&](std::uint64_t units) {
-        return units <= most && fits(test, units, threads, bytes);
-    };
-    if (!possible(1)) return 0;
+UnitsFound find_largest_units(const StressTest& test, std::uint64_t threads, std::uint64_t bytes) {
+    Search search(test, threads, bytes);
+    if (!search.fits(1)) return {};
 
     std::uint64_t beyond = 256;
-    while (possible(beyond)) beyond = 2 * beyond > most ? most + 1 : 2 * beyond;
+    while (search.fits(beyond)) {
+        beyond = 2 * beyond > search.most_units() ? search.most_units() + 1 : 2 * beyond;
+    }
     std::uint64_t units = 1;
     while (beyond - units > 1) {
         const std::uint64_t middle = units + (beyond - units) / 2;
-        (possible(middle) ? units : beyond) = middle;
+        (search.fits(middle) ? units : beyond) = middle;
     }
-    return units;
+    return {units, search.scratch_increases()};
 }
 
 }  // namespace kelvara

@@ -24,8 +24,14 @@ struct StressTestSize {
 // units >= 1 and 64 * units <= test.max_bits().
 StressTestSize stress_test_size(const StressTest& test, std::uint64_t units);
 
+struct UnitsFound {
+    std::uint64_t units = 0;
+    // Of the sizes looked at, longer ones never needed less scratch, as a search takes for granted.
+    bool scratch_increases = true;
+};
+
 // The most units with which so many threads, their tables shared, fit the memory; 0 when not even one unit
 // does.
-std::uint64_t largest_units(const StressTest& test, std::uint64_t threads, std::uint64_t bytes);
+UnitsFound find_largest_units(const StressTest& test, std::uint64_t threads, std::uint64_t bytes);
 
 }  // namespace kelvara

@@ -1,12 +1,17 @@
 #include "stress/workloads.h"
 
+#include "console/console.h"
+
 namespace kelvara {
 
 StressTestSize stress_test_size(const StressTest& test, const StressSettings& settings) {
     const bool local = settings.mode == StressMode::local;
-    const std::uint64_t units = local ? largest_units(test, 1, settings.memory_per_thread() / 64 * 64)
-                                      : largest_units(test, settings.threads, settings.memory);
-    return units == 0 ? StressTestSize{} : stress_test_size(test, units);
+    const UnitsFound found = local ? find_largest_units(test, 1, settings.memory_per_thread() / 64 * 64)
+                                   : find_largest_units(test, settings.threads, settings.memory);
+    if (!found.scratch_increases) {
+        qmp::console::print_warning("Inconsistency: iPsize() is not an increasing function.");
+    }
+    return found.units == 0 ? StressTestSize{} : stress_test_size(test, found.units);
 }
 
 StressWorkloads::StressWorkloads(const StressTest& test, const StressTestSize& size,

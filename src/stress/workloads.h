@@ -14,7 +14,7 @@
 namespace kelvara {
 
 // The longest products that the settings' memory and threads allow; no units when it is too little. In Local
-// mode every thread has tables of its own.
+// mode every thread has tables of its own. Warns of a test whose scratch does not grow with its length.
 StressTestSize stress_test_size(const StressTest& test, const StressSettings& settings);
 
 class StressWorkloads {

@@ -7,6 +7,9 @@
 
 #include "multiply/twiddle_set.h"
 #include "stress/catalogue.h"
+#include "stress/stress_machine_fake.h"
+#include "stress/workloads.h"
+#include "support/console.h"
 
 namespace kelvara {
 namespace {
@@ -14,7 +17,7 @@ namespace {
 constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
 
 // A test whose memory is easy to follow.
-class PlainTest final : public StressTest {
+class PlainTest : public StressTest {
   public:
     std::uint64_t scratch_per_unit = 0;
     std::uint64_t table_words = 0;
@@ -25,6 +28,18 @@ class PlainTest final : public StressTest {
     TwiddleReach twiddle_reach(std::uint64_t) const override { return {table_words, 0}; }
     void square(const qmp::MultiplyContext&, qmp::Word*, const qmp::Word*, std::uint64_t) const override {}
     ProductWork work(std::uint64_t) const override { return {}; }
+};
+
+std::uint64_t largest_units(const StressTest& test, std::uint64_t threads, std::uint64_t bytes) {
+    const UnitsFound found = find_largest_units(test, threads, bytes);
+    EXPECT_TRUE(found.scratch_increases);
+    return found.units;
+}
+
+// Needs less scratch for long products than for short ones.
+class ShrinkingTest final : public PlainTest {
+  public:
+    std::uint64_t scratch_bytes(std::uint64_t units) const override { return units < 300 ? 6400 : 64; }
 };
 
 TEST(StressTestSize, EveryPartIsWholeCacheLines) {
@@ -96,6 +111,19 @@ TEST(LargestUnits, AreNoneForTinyMemoryAndManyThreads) {
     EXPECT_EQ(largest_units(test, most, 64), 0u);
     EXPECT_EQ(largest_units(test, most, most), 0u);
     EXPECT_EQ(largest_units(test, most / 64, most), 8u);
+}
+
+TEST(LargestUnits, SmallerScratchOfALongerProductIsNoticed) {
+    const ShrinkingTest test;
+    EXPECT_TRUE(find_largest_units(test, 1, 8000).scratch_increases);
+    EXPECT_FALSE(find_largest_units(test, 1, 80000).scratch_increases);
+    StressSettings settings = kelvara_test::small_settings(1, 80000);
+    for (const StressMode mode : {StressMode::local, StressMode::global}) {
+        settings.mode = mode;
+        EXPECT_EQ(kelvara_test::printed_by([&] { stress_test_size(test, settings); }),
+                  "\nInconsistency: iPsize() is not an increasing function.\n");
+    }
+    EXPECT_EQ(kelvara_test::printed_by([&] { stress_test_size(PlainTest(), settings); }), "");
 }
 
 TEST(LargestUnits, OfEveryTestFitAndReachItsLimit) {

@@ -9,9 +9,11 @@
 
 #include "errors/system_exception.h"
 #include "stress/floating_point_peak.h"
+#include "stress/kernels/peak.h"
 #include "stress/running_line.h"
 #include "stress/stress_machine_fake.h"
 #include "support/console.h"
+#include "support/levels.h"
 
 namespace kelvara {
 namespace {
@@ -102,6 +104,22 @@ TEST(RunningLine, ErrorsStandBelow) {
         line.error("Checksum Mismatch");
     });
     EXPECT_EQ(text, "Running\nChecksum Mismatch\nChecksum Mismatch\n");
+}
+
+TEST(FloatingPointPeak, IsMeasuredByAllItsRounds) {
+    kelvara_test::for_every_level([](qmp::InstructionLevel level) {
+        const PeakKernel& kernel = current_peak_kernel();
+        const bool fused = level <= qmp::InstructionLevel::fma4;
+        const double lanes = kernel.operations / (fused ? 12 : 24);
+        EXPECT_TRUE(lanes == 2 || lanes == 4 || lanes == 8);
+        // Every chain goes from its start half of the way to 3/2.
+        double expected = 0;
+        for (int chain = 0; chain < 12; ++chain) expected += lanes * (1 + 0.0625 * chain);
+        for (std::uint64_t rounds = 0; rounds < 20; ++rounds) {
+            EXPECT_DOUBLE_EQ(kernel.run(rounds), expected);
+            expected = 0.5 * expected + 0.75 * 12 * lanes;
+        }
+    });
 }
 
 TEST(FloatingPointPeak, TakesNoMoreThreadsThanCores) {
