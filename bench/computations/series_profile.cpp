@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "constant_name.h"
 #include "constants/arccoth_series.h"
@@ -31,6 +32,7 @@ class Profile {
   public:
     Profile(const Series& series, std::uint64_t longest_product, std::uint64_t buffer_words)
         : series_(series),
+          factors_(qmp::common_factors(series)),
           workspace_(longest_product, 1),
           buffer_words_(buffer_words),
           memory_(Series::buffer_count * buffer_words) {
@@ -48,7 +50,7 @@ class Profile {
         const qmp::MultiplyContext& context = workspace_.context();
         const qmp::CounterTimePoint start = qmp::now();
         const std::uint64_t first_tick = __rdtsc();
-        qmp::BSR_block(timed, context, nullptr, out, a, b, depth);
+        qmp::BSR_block(timed, context, nullptr, out, a, b, depth, factors_ ? &*factors_ : nullptr);
         ticks_ += __rdtsc() - first_tick;
         const qmp::CounterTimePoint summed = qmp::now();
         qmp::qcb_Verify_BSR(nullptr, a, b, {out.data(), Series::output_count}, context.parallel());
@@ -67,6 +69,7 @@ class Profile {
             rest -= list.back().seconds;
         };
         add("leaves", times_.leaves);
+        add("common factors", times_.factors);
         for (std::size_t k = 0; k < times_.merges.size(); ++k) {
             add("merges, Q 2^" + std::to_string(k) + " words", times_.merges[k]);
         }
@@ -77,6 +80,7 @@ class Profile {
 
   private:
     const Series& series_;
+    std::optional<qmp::CommonFactors> factors_;
     Workspace workspace_;
     std::uint64_t buffer_words_;
     AlignedWords memory_;

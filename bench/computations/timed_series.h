@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "multiply/multiply_context.h"
+#include "series/common_factors.h"
 
 namespace bench {
 
@@ -23,6 +24,7 @@ struct WorkTimes {
         }
     };
     Kind leaves;
+    Kind factors;                 // common ones, counted and taken out
     std::array<Kind, 64> merges;  // by the bit width of the words of Q, less 1
 };
 
@@ -53,6 +55,17 @@ class TimedSeries {
         const std::uint64_t start = __rdtsc();
         series_.merge(context, whole, right, subtract);
         times_.merges[static_cast<std::size_t>(std::bit_width(whole[1].L)) - 1].add(start);
+    }
+
+    void cancel(const qmp::CommonFactors& factors, qmp::FactorCounts& left_counts,
+                qmp::FactorCounts& right_counts, Buffers& left, Buffers& right, std::uint64_t a,
+                std::uint64_t m, std::uint64_t b) const requires requires {
+        &Series::cancel;
+    }
+    {
+        const std::uint64_t start = __rdtsc();
+        series_.cancel(factors, left_counts, right_counts, left, right, a, m, b);
+        times_.factors.add(start);
     }
 
   private:

@@ -85,7 +85,11 @@ bool sum_leaf(Word square, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uin
 }  // namespace
 
 ArcCothSeries::ArcCothSeries(std::uint64_t x)
-    : BSS_P2B3_Type0(false, 15, 16, cost_of(static_cast<double>(x * x))), square_(x * x) {}
+    : BSS_P2B3_Type0(false, 15, 16, cost_of(static_cast<double>(x * x))), x_(x), square_(x * x) {}
+
+qmp::TermFactors ArcCothSeries::term_factors() const {
+    return {.R = {{2, 1}}, .Q = {{0, static_cast<std::int64_t>(x_), 2}, {2, 1}}};
+}
 
 void ArcCothSeries::BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const qmp::MultiplyContext&,
                             std::uint64_t a, std::uint64_t b) const {

@@ -28,6 +28,9 @@ struct LupasKernel {
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Catalan_Lupas_BSR_End1(P, Q, R, k);
     }
+    qmp::TermFactors term_factors() const {
+        return {.R = {{0, 16}, {1, 0, 3}, {4, -2}}, .Q = {{4, 1, 2}, {4, 3, 2}}};
+    }
     bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
         return qmp::leaf::sum_leaf<24, 28, 31>(LupasTerms(), P, Q, R, a, b);
     }

@@ -61,8 +61,13 @@ bool sum_leaf(Word p4, Word q4, ExactFloat& P, ExactFloat& Q, ExactFloat& R, std
 }  // namespace
 
 ArcSinlemnSeries::ArcSinlemnSeries(ArcSinlemnArgument x)
-    : BSS_P2B3_Type0(false, 19, 8, cost_of(x)), p4_(fourth_power(x.p)), q4_(fourth_power(x.q)) {
+    : BSS_P2B3_Type0(false, 19, 8, cost_of(x)), x_(x), p4_(fourth_power(x.p)), q4_(fourth_power(x.q)) {
     longest_leaf = ArcSinlemnKernel::longest_range;
+}
+
+qmp::TermFactors ArcSinlemnSeries::term_factors() const {
+    const auto constant = [](std::uint64_t w) { return qmp::TermFactor{0, static_cast<std::int64_t>(w), 4}; };
+    return {.R = {constant(x_.p), {4, -3}, {2, -1}}, .Q = {constant(x_.q), {4, 1}, {2, 0}}};
 }
 
 void ArcSinlemnSeries::BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const qmp::MultiplyContext&,

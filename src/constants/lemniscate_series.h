@@ -23,8 +23,10 @@ class ArcSinlemnSeries final : public qmp::BSS_P2B3_Type0 {
 
     void BSR_End(qmp::ExactFloat& P, qmp::ExactFloat& Q, qmp::ExactFloat& R,
                  const qmp::MultiplyContext& scratch, std::uint64_t a, std::uint64_t b) const override;
+    qmp::TermFactors term_factors() const override;
 
   private:
+    ArcSinlemnArgument x_;
     qmp::Word p4_;
     qmp::Word q4_;
 };

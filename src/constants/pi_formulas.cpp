@@ -55,6 +55,7 @@ struct ChudnovskyKernel {
         Pi_Chudnovsky_BSR_End_PR1(P, R, k);
         Pi_Chudnovsky_BSR_End_Q1(Q, k);
     }
+    qmp::TermFactors term_factors() const { return pi_term_factors<Numbers>(); }
     // One more bit and P takes three words; the following steps serve the largest computations.
     bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
         return qmp::leaf::sum_leaf<23, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
@@ -74,6 +75,7 @@ struct RamanujanKernel {
         Pi_Ramanujan_BSR_End_P1(P, R, k);
         Pi_Ramanujan_BSR_End_Q1(Q, k);
     }
+    qmp::TermFactors term_factors() const { return pi_term_factors<Numbers>(); }
     bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
         return qmp::leaf::sum_leaf<27, 31, 39>(PiTerms<Numbers>(), P, Q, R, a, b);
     }

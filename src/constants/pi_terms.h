@@ -8,6 +8,7 @@
 #include "series/leaf_ranges.h"
 #include "series/leaf_residue.h"
 #include "series/leaf_words.h"
+#include "series/term_factors.h"
 
 namespace kelvara {
 
@@ -79,5 +80,12 @@ struct PiTerms {
         return checks;
     }
 };
+
+template <typename Numbers>
+qmp::TermFactors pi_term_factors() {
+    constexpr auto x = static_cast<std::int64_t>(Numbers::x);
+    return {.R = {{Numbers::x, 1 - x}, {2, -1}, {Numbers::x, -1}},
+            .Q = {{0, static_cast<std::int64_t>(Numbers::C)}, {1, 0, 3}}};
+}
 
 }  // namespace kelvara

@@ -46,6 +46,9 @@ struct LongKernel {
         Zeta3_AZ2_BSR_End_P1(P, R, k);
         Zeta3_AZ2_BSR_End_Q1(Q, k);
     }
+    qmp::TermFactors term_factors() const {
+        return {.R = {{1, 0, 5}, {2, -1, 3}}, .Q = {{0, 24}, {3, 1}, {3, 2}, {4, 1, 3}, {4, 3, 3}}};
+    }
     // One more bit and Q takes a fourth word.
     bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
         return qmp::leaf::sum_leaf<21, 25, 31>(ZetaLongTerms(), P, Q, R, a, b);
@@ -62,6 +65,7 @@ struct ShortKernel {
     void term(BasicInt& P, BasicInt& Q, BasicInt& R, std::uint64_t k) const {
         Zeta3_AZ1_BSR_End1(P, Q, R, k);
     }
+    qmp::TermFactors term_factors() const { return {.R = {{1, 0, 5}}, .Q = {{4, 2, 5}}}; }
     bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const {
         return qmp::leaf::sum_leaf<23, 28>(ZetaShortTerms(), P, Q, R, a, b);
     }

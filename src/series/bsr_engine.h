@@ -8,6 +8,7 @@
 //   split, cost_split            where it splits, if not as its base does
 //   leaf(context, out, a, b)     a range of up to longest_leaf terms
 //   merge(context, whole, right, subtract)
+//   cancel(factors, left_counts, right_counts, left, right, a, m, b)   if merges can take factors out
 // Every buffer is the caller's and nothing is allocated in the recursion: the right half of a serial split
 // is summed in the space above the left half's results, the halves of a parallel split share buffers and
 // scratch between them. BSR_sizes() tells how much of both a range needs. Results do not depend on the
@@ -24,6 +25,7 @@
 #include "numbers/exact_float.h"
 #include "radix/digit_counts.h"
 #include "series/binary_splitting_series.h"
+#include "series/common_factors.h"
 #include "series/series_constants.h"
 #include "series/series_sizes.h"
 
@@ -77,69 +79,99 @@ struct Halves {
     }
 };
 
+// Merges the halves (a, m] and (m, b], which `sum_halves` sums: the left one into `out`, the right one where
+// it says.
+template <typename Series, typename SumHalves>
+void merge_halves(const Series& series, const MultiplyContext& context, typename Series::Buffers& out,
+                  std::uint64_t a, std::uint64_t m, std::uint64_t b, const CommonFactors* factors,
+                  FactorCounts* counts, const SumHalves& sum_halves) {
+    if constexpr (requires { &Series::cancel; }) {
+        if (factors && factors->applies(b - a)) {
+            FactorCounts own_counts, right_counts;
+            FactorCounts& left_counts = counts ? *counts : own_counts;
+            auto right = sum_halves(&left_counts, &right_counts);
+            series.cancel(*factors, left_counts, right_counts, out, right, a, m, b);
+            series.merge(context, out, right, series.subtracts(a, m));
+            return;
+        }
+    }
+    const auto right = sum_halves(nullptr, nullptr);
+    series.merge(context, out, right, series.subtracts(a, m));
+}
+
 }  // namespace bsr
 
-// Sums (a, b] into the outputs, on the calling thread.
+// Sums (a, b] into the outputs, on the calling thread. With `factors` the merges take common factors out, and
+// leave in `counts`, which must come empty, what is known of those that stay.
 template <typename Series>
 void BSR_serial(const Series& series, const MultiplyContext& context, typename Series::Buffers& out,
-                std::uint64_t a, std::uint64_t b) {
+                std::uint64_t a, std::uint64_t b, const CommonFactors* factors = nullptr,
+                FactorCounts* counts = nullptr) {
     if (b - a <= series.longest_leaf) {
         series.leaf(context, out, a, b);
         return;
     }
     const std::uint64_t m = series.split(a, b);
-    BSR_serial(series, context, out, a, m);
-    auto right = bsr::above<Series>(out);
-    BSR_serial(series, context, right, m, b);
-    series.merge(context, out, right, series.subtracts(a, m));
+    const auto sum_halves = [&](FactorCounts* left_counts, FactorCounts* right_counts) {
+        BSR_serial(series, context, out, a, m, factors, left_counts);
+        auto right = bsr::above<Series>(out);
+        BSR_serial(series, context, right, m, b, factors, right_counts);
+        return right;
+    };
+    bsr::merge_halves(series, context, out, a, m, b, factors, counts, sum_halves);
 }
 
 // The same with the context's tasks. Merges use at most merge_tasks of them: the tasks of the recursion
 // are more than there are threads.
 template <typename Series>
 void BSR_parallel(const Series& series, const MultiplyContext& context, std::uint64_t merge_tasks,
-                  typename Series::Buffers& out, std::uint64_t a, std::uint64_t b) {
+                  typename Series::Buffers& out, std::uint64_t a, std::uint64_t b,
+                  const CommonFactors* factors = nullptr, FactorCounts* counts = nullptr) {
     const std::uint64_t tasks = context.tds;
     if (tasks < 2 || b - a < bsr_parallel_terms) {
-        BSR_serial(series, context.with_tasks(1), out, a, b);
+        BSR_serial(series, context.with_tasks(1), out, a, b, factors, counts);
         return;
     }
     const std::uint64_t m = series.cost_split(a, b);
-    bsr::Halves<Series> halves(out);
-    MultiplyContext left = context.with_tasks(tasks >> 1);
-    MultiplyContext right = context.with_tasks(tasks - (tasks >> 1));
-    left.scratch_words = right.scratch_words = context.scratch_words / 2 & ~std::uint64_t{7};
-    right.scratch += right.scratch_words;
-
-    context.run_pair([&] { BSR_parallel(series, left, merge_tasks, halves.left, a, m); },
-                     [&] { BSR_parallel(series, right, merge_tasks, halves.right, m, b); });
-
-    halves.keep_left(out);
-    series.merge(context.with_tasks(std::min(tasks, merge_tasks)), out, halves.right, series.subtracts(a, m));
+    const auto sum_halves = [&](FactorCounts* left_counts, FactorCounts* right_counts) {
+        bsr::Halves<Series> halves(out);
+        MultiplyContext left = context.with_tasks(tasks >> 1);
+        MultiplyContext right = context.with_tasks(tasks - (tasks >> 1));
+        left.scratch_words = right.scratch_words = context.scratch_words / 2 & ~std::uint64_t{7};
+        right.scratch += right.scratch_words;
+        context.run_pair(
+            [&] { BSR_parallel(series, left, merge_tasks, halves.left, a, m, factors, left_counts); },
+            [&] { BSR_parallel(series, right, merge_tasks, halves.right, m, b, factors, right_counts); });
+        halves.keep_left(out);
+        return halves.right;
+    };
+    bsr::merge_halves(series, context.with_tasks(std::min(tasks, merge_tasks)), out, a, m, b, factors, counts,
+                      sum_halves);
 }
 
 // One block: split serially `depth` times, each half with all threads, and in parallel below.
 template <typename Series>
 void BSR_block(const Series& series, const MultiplyContext& context, Progress* progress,
-               typename Series::Buffers& out, std::uint64_t a, std::uint64_t b, std::uint64_t depth) {
+               typename Series::Buffers& out, std::uint64_t a, std::uint64_t b, std::uint64_t depth,
+               const CommonFactors* factors = nullptr) {
     if (depth == 0 || b - a < bsr_parallel_terms) {
         const double units =
             series.SizeAtIndex(static_cast<double>(b)) - series.SizeAtIndex(static_cast<double>(a));
         const auto digits = static_cast<std::uint64_t>(std::llrint(units * series_constants().log10_e + 0.5));
         ScopedLabel arrow(progress, " -> ", label_colour);
         ScopedLabel size(progress, console::format_separated(digits), label_size_colour);
-        BSR_parallel(series, context.with_tasks(bsr_tasks(context.tds)), context.tds, out, a, b);
+        BSR_parallel(series, context.with_tasks(bsr_tasks(context.tds)), context.tds, out, a, b, factors);
         return;
     }
     const std::uint64_t m = series.cost_split(a, b);
     bsr::Halves<Series> halves(out);
     {
         ScopedLabel label(progress, "0", label_colour);
-        BSR_block(series, context, progress, halves.left, a, m, depth - 1);
+        BSR_block(series, context, progress, halves.left, a, m, depth - 1, factors);
     }
     {
         ScopedLabel label(progress, "1", label_colour);
-        BSR_block(series, context, progress, halves.right, m, b, depth - 1);
+        BSR_block(series, context, progress, halves.right, m, b, depth - 1, factors);
     }
     halves.keep_left(out);
     ScopedLabel label(progress, "-  ", label_colour);

@@ -62,4 +62,10 @@ void BSS_P2B3_Type0::merge(const MultiplyContext& context, Buffers& whole, const
     }
 }
 
+std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series) {
+    const TermFactors factors = series.term_factors();
+    if (factors.Q.empty() || factors.R.empty()) return std::nullopt;
+    return CommonFactors(factors);
+}
+
 }  // namespace qmp

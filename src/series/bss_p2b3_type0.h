@@ -4,10 +4,12 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "multiply/multiply_context.h"
 #include "numbers/exact_float.h"
 #include "series/binary_splitting_series.h"
+#include "series/common_factors.h"
 
 namespace qmp {
 
@@ -25,15 +27,29 @@ class BSS_P2B3_Type0 : public CostedSeries {
     virtual void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext& scratch,
                          std::uint64_t a, std::uint64_t b) const = 0;
 
+    // What is known of the terms' factors, so that merges can take common ones out.
+    virtual TermFactors term_factors() const { return {}; }
+
     void leaf(const MultiplyContext& context, Buffers& out, std::uint64_t a, std::uint64_t b) const {
         BSR_End(out[0], out[1], out[2], context, a, b);
     }
     // P = P0 Q1 +- R0 P1, Q = Q0 Q1, R = R0 R1. `whole` holds the left half's values at the start of its
     // buffers, and receives the result there; `right` may lie above them in the same buffers.
     static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool subtract);
+    // Takes out what both sides of the merge of (a, m] and (m, b] have in common.
+    static void cancel(const CommonFactors& factors, FactorCounts& left_counts, FactorCounts& right_counts,
+                       Buffers& left, Buffers& right, std::uint64_t a, std::uint64_t m, std::uint64_t b) {
+        factors.cancel(left_counts, right_counts, left[2], right[1], a, m, b);
+    }
 
   protected:
     using CostedSeries::CostedSeries;
 };
+
+// The table of a series that knows its terms' factors, for the whole of its evaluation.
+std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series);
+inline std::optional<CommonFactors> common_factors(const BinarySplittingSeries&) {
+    return std::nullopt;
+}
 
 }  // namespace qmp

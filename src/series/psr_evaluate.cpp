@@ -1,6 +1,7 @@
 #include "series/psr_evaluate.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "console/format.h"
@@ -125,6 +126,7 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
     for (std::size_t i = 0; i < running.size(); i++) {
         running[i] = BigFloat(memory.running[i].data(), memory.running[i].words());
     }
+    const std::optional<CommonFactors> factors = common_factors(series);
     const std::uint64_t total = plan.blocks.size() - first;
     for (std::uint64_t done = 0; done < total; done++) {
         const std::uint64_t i = plan.last() - done;
@@ -137,7 +139,7 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
         const std::uint64_t depth = 2 * block.size >= plan.blocks[first].size ? 1 : 0;
         const BsrSizes sizes = BSR_sizes(series, block.size, depth, context.tds);
         auto exact = carve<Series>(memory, sizes.words & ~std::uint64_t{7});
-        BSR_block(series, context, progress, exact, block.a, block.b, depth);
+        BSR_block(series, context, progress, exact, block.a, block.b, depth, factors ? &*factors : nullptr);
         qcb_Verify_BSR(progress, block.a, block.b, {exact.data(), Series::output_count}, context.parallel());
 
         if (done == 0) {

@@ -2,6 +2,7 @@
 //
 // A Kernel type is one of leaf_bisect() that also gives
 //   alternating, size_margin, leaf_size     of the series
+//   TermFactors term_factors() const
 //   bool sum_leaf(ExactFloat& P, ExactFloat& Q, ExactFloat& R, std::uint64_t a, std::uint64_t b) const
 // which sums a range with straight-line code, or returns false with nothing written.
 #pragma once
@@ -22,6 +23,7 @@ class TermByTermSeries : public BSS_P2B3_Type0 {
         : BSS_P2B3_Type0(Kernel::alternating, Kernel::size_margin, Kernel::leaf_size, model),
           kernel_(std::move(kernel)) {}
 
+    TermFactors term_factors() const override { return kernel_.term_factors(); }
     void BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, const MultiplyContext&, std::uint64_t a,
                  std::uint64_t b) const override {
         if (kernel_.sum_leaf(P, Q, R, a, b)) return;

@@ -1,0 +1,83 @@
+// What it costs and saves to take common factors out of merges: the same ranges summed without it and with
+// it, up to ranges of several lengths. One task; the least of several alternating times.
+//
+//   common_factors_bench [terms of the range summed] [its first index] [repetitions]
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "constants/arccoth_series.h"
+#include "constants/catalan_lupas.h"
+#include "constants/lemniscate_series.h"
+#include "constants/pi_formulas.h"
+#include "constants/zeta3_series.h"
+#include "platform/timers.h"
+#include "series/bsr_engine.h"
+#include "series/bss_p2b3_type0.h"
+#include "support/workspace.h"
+
+namespace {
+
+using qmp::CommonFactors;
+
+struct Candidate {
+    std::uint64_t longest;  // 0: nothing is taken out
+    double seconds = INFINITY;
+    std::uint64_t words = 0;
+};
+
+void measure(const std::string& name, const qmp::BSS_P2B3_Type0& series, std::uint64_t a, std::uint64_t terms,
+             int repetitions) {
+    const std::uint64_t b = a + terms;
+    const double size =
+        (series.SizeAtIndex(static_cast<double>(b)) - series.SizeAtIndex(static_cast<double>(a))) / 44.3614;
+    const auto words = static_cast<std::uint64_t>(2 * size) + 64 * 64;
+    const bench::Workspace workspace(words, 1);
+    const bench::AlignedWords memory(4 * words);
+    std::vector<Candidate> candidates = {{0}, {256}, {512}, {1024}, {2048}, {4096}, {8192}};
+    for (int i = 0; i < repetitions; i++) {
+        for (Candidate& candidate : candidates) {
+            const CommonFactors factors(series.term_factors(), {64, candidate.longest});
+            qmp::BSS_P2B3_Type0::Buffers out;
+            for (std::size_t j = 0; j < out.size(); j++)
+                out[j] = qmp::ExactFloat(memory.data() + j * words, words);
+            const qmp::CounterTimePoint start = qmp::now();
+            qmp::BSR_serial(series, workspace.context(), out, a, b, candidate.longest ? &factors : nullptr);
+            candidate.seconds = std::min(candidate.seconds, qmp::seconds_between(qmp::now(), start));
+            candidate.words = out[1].L;
+        }
+    }
+    for (const Candidate& candidate : candidates) {
+        std::printf(
+            "| %s | %llu | %llu | %llu | %.1f | %.3f | %.3f |\n", name.c_str(),
+            static_cast<unsigned long long>(terms), static_cast<unsigned long long>(candidate.longest),
+            static_cast<unsigned long long>(candidate.words),
+            candidate.seconds / static_cast<double>(terms) * 1e9, candidate.seconds / candidates[0].seconds,
+            static_cast<double>(candidate.words) / static_cast<double>(candidates[0].words));
+    }
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto argument = [&](int i, std::uint64_t standard) {
+        return argc > i ? std::strtoull(argv[i], nullptr, 10) : standard;
+    };
+    const std::uint64_t terms = argument(1, 16384);
+    const std::uint64_t a = argument(2, 1000000);
+    const int repetitions = static_cast<int>(argument(3, 10));
+    std::printf(
+        "| series | terms | longest range | words of Q | ns a term | time, to without | Q, to without |\n");
+    std::printf("|---|---|---|---|---|---|---|\n");
+    measure("pi, Chudnovsky", kelvara::pi_formula(0).series, a, terms, repetitions);
+    measure("ArcCoth(26)", kelvara::ArcCothSeries(26), a, terms, repetitions);
+    measure("Zeta(3), long", kelvara::zeta3_formula(0).series, a, terms, repetitions);
+    measure("Zeta(3), short", kelvara::zeta3_formula(1).series, a, terms, repetitions);
+    measure("Catalan, Lupas", kelvara::catalan_lupas_formula().series, a, terms, repetitions);
+    measure("ArcSinlemn(7/23)", kelvara::ArcSinlemnSeries({7, 23}), a, terms, repetitions);
+    return 0;
+}
