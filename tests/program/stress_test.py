@@ -73,9 +73,10 @@ class Stress(ProgramTest):
         self.assertIn("\nFailed Allocation: 7.00 EiB\n", output)
 
     def test_a_terminal_shows_that_it_goes_on(self):
-        with Session("stress", "-M:16M", "-T:2", "-D:2", "BKT") as session:
-            session.wait_for("Running Test Basecase + Karatsuba  1 of 2 seconds, ")
-            session.wait_for("Basecase + Karatsuba Test: Passed  Test Time: 2.")
+        with Session("stress", "-M:16M", "-T:2", "-D:3", "BKT") as session:
+            session.wait_for("Running Test Basecase + Karatsuba  ")
+            session.wait_for(" of 3 seconds, ")
+            session.wait_for("Basecase + Karatsuba Test: Passed  Test Time: ")
             session.wait_for("Iteration 2")
 
 

@@ -54,7 +54,7 @@ TEST(ContinuousRun, BeginsWithTheReservation) {
 
 TEST(ContinuousRun, RunsEveryTestOncePerIteration) {
     for (const StressMode mode : {StressMode::local, StressMode::global}) {
-        StressSettings settings = small_settings(2, 4 * mebibyte);
+        StressSettings settings = small_settings(2, mebibyte);
         settings.mode = mode;
         const Result result = run(settings, stress_tests(), 2);
         EXPECT_EQ(result.end, StressEnd::enough);
