@@ -24,7 +24,7 @@ namespace {
 using qmp::CommonFactors;
 
 struct Candidate {
-    std::uint64_t longest;  // 0: nothing is taken out
+    CommonFactors::Ranges ranges;  // longest 0: nothing is taken out
     double seconds = INFINITY;
     std::uint64_t words = 0;
 };
@@ -37,26 +37,30 @@ void measure(const std::string& name, const qmp::BSS_P2B3_Type0& series, std::ui
     const auto words = static_cast<std::uint64_t>(2 * size) + 64 * 64;
     const bench::Workspace workspace(words, 1);
     const bench::AlignedWords memory(4 * words);
-    std::vector<Candidate> candidates = {{0}, {256}, {512}, {1024}, {2048}, {4096}, {8192}};
+    std::vector<Candidate> candidates = {{{128, 0}},   {{128, 512}},  {{64, 1024}},  {{128, 1024}},
+                                         {{64, 2048}}, {{128, 2048}}, {{128, 4096}}, {{256, 8192}}};
     for (int i = 0; i < repetitions; i++) {
         for (Candidate& candidate : candidates) {
-            const CommonFactors factors(series.term_factors(), {64, candidate.longest});
+            const CommonFactors factors(series.term_factors(), candidate.ranges);
             qmp::BSS_P2B3_Type0::Buffers out;
             for (std::size_t j = 0; j < out.size(); j++)
                 out[j] = qmp::ExactFloat(memory.data() + j * words, words);
             const qmp::CounterTimePoint start = qmp::now();
-            qmp::BSR_serial(series, workspace.context(), out, a, b, candidate.longest ? &factors : nullptr);
+            qmp::BSR_serial(series, workspace.context(), out, a, b,
+                            candidate.ranges.longest ? &factors : nullptr);
             candidate.seconds = std::min(candidate.seconds, qmp::seconds_between(qmp::now(), start));
             candidate.words = out[1].L;
         }
     }
     for (const Candidate& candidate : candidates) {
-        std::printf(
-            "| %s | %llu | %llu | %llu | %.1f | %.3f | %.3f |\n", name.c_str(),
-            static_cast<unsigned long long>(terms), static_cast<unsigned long long>(candidate.longest),
-            static_cast<unsigned long long>(candidate.words),
-            candidate.seconds / static_cast<double>(terms) * 1e9, candidate.seconds / candidates[0].seconds,
-            static_cast<double>(candidate.words) / static_cast<double>(candidates[0].words));
+        std::printf("| %s | %llu | %llu - %llu | %llu | %.1f | %.3f | %.3f |\n", name.c_str(),
+                    static_cast<unsigned long long>(terms),
+                    static_cast<unsigned long long>(candidate.ranges.shortest),
+                    static_cast<unsigned long long>(candidate.ranges.longest),
+                    static_cast<unsigned long long>(candidate.words),
+                    candidate.seconds / static_cast<double>(terms) * 1e9,
+                    candidate.seconds / candidates[0].seconds,
+                    static_cast<double>(candidate.words) / static_cast<double>(candidates[0].words));
     }
     std::fflush(stdout);
 }
@@ -70,8 +74,7 @@ int main(int argc, char** argv) {
     const std::uint64_t terms = argument(1, 16384);
     const std::uint64_t a = argument(2, 1000000);
     const int repetitions = static_cast<int>(argument(3, 10));
-    std::printf(
-        "| series | terms | longest range | words of Q | ns a term | time, to without | Q, to without |\n");
+    std::printf("| series | terms | ranges | words of Q | ns a term | time, to without | Q, to without |\n");
     std::printf("|---|---|---|---|---|---|---|\n");
     measure("pi, Chudnovsky", kelvara::pi_formula(0).series, a, terms, repetitions);
     measure("ArcCoth(26)", kelvara::ArcCothSeries(26), a, terms, repetitions);

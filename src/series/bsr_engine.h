@@ -8,7 +8,7 @@
 //   split, cost_split            where it splits, if not as its base does
 //   leaf(context, out, a, b)     a range of up to longest_leaf terms
 //   merge(context, whole, right, subtract)
-//   cancel(factors, left_counts, right_counts, left, right, a, m, b)   if merges can take factors out
+//   cancel(context, factors, left_counts, right_counts, left, right, a, m, b)   if merges can take factors out
 // Every buffer is the caller's and nothing is allocated in the recursion: the right half of a serial split
 // is summed in the space above the left half's results, the halves of a parallel split share buffers and
 // scratch between them. BSR_sizes() tells how much of both a range needs. Results do not depend on the
@@ -90,7 +90,7 @@ void merge_halves(const Series& series, const MultiplyContext& context, typename
             FactorCounts own_counts, right_counts;
             FactorCounts& left_counts = counts ? *counts : own_counts;
             auto right = sum_halves(&left_counts, &right_counts);
-            series.cancel(*factors, left_counts, right_counts, out, right, a, m, b);
+            series.cancel(context, *factors, left_counts, right_counts, out, right, a, m, b);
             series.merge(context, out, right, series.subtracts(a, m));
             return;
         }

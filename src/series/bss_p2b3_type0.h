@@ -37,9 +37,10 @@ class BSS_P2B3_Type0 : public CostedSeries {
     // buffers, and receives the result there; `right` may lie above them in the same buffers.
     static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool subtract);
     // Takes out what both sides of the merge of (a, m] and (m, b] have in common.
-    static void cancel(const CommonFactors& factors, FactorCounts& left_counts, FactorCounts& right_counts,
-                       Buffers& left, Buffers& right, std::uint64_t a, std::uint64_t m, std::uint64_t b) {
-        factors.cancel(left_counts, right_counts, left[2], right[1], a, m, b);
+    static void cancel(const MultiplyContext& context, const CommonFactors& factors,
+                       FactorCounts& left_counts, FactorCounts& right_counts, Buffers& left, Buffers& right,
+                       std::uint64_t a, std::uint64_t m, std::uint64_t b) {
+        factors.cancel(context, left_counts, right_counts, left[2], right[1], left[3], a, m, b);
     }
 
   protected:

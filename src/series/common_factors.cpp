@@ -5,6 +5,8 @@
 
 #include "multiply/basecase/exact_division.h"
 #include "multiply/basecase/word_kernels.h"
+#include "multiply/exact_divisor.h"
+#include "multiply/multiply.h"
 #include "numbers/check_value.h"
 
 namespace qmp {
@@ -74,9 +76,22 @@ class SmallProduct {
     Word pending_ = 1;
 };
 
-void divide(ExactFloat& x, const SmallProduct& divisor, std::uint64_t inverse_check) {
-    x.L = divide_exact(x.T, x.L, divisor.words(), divisor.length());
-    x.hash = check_mul(x.hash, inverse_check);
+// Divides both numbers. The quotients are the same by every method.
+void divide(const MultiplyContext& context, ExactFloat& x, ExactFloat& y, const SmallProduct& divisor,
+            const ExactFloat& temporary) {
+    const std::uint64_t m = divisor.length();
+    const std::uint64_t quotient = std::max(x.L, y.L) - m + 1;
+    if (m >= ExactDivisor::shortest_divisor && quotient <= ExactDivisor::longest_quotient &&
+        temporary.AL >= 2 * quotient &&
+        context.scratch_words >= scratch_words_for(2 * quotient, context.tds)) {
+        const ExactDivisor exact(context, divisor.words(), m, quotient, temporary.base);
+        for (ExactFloat* number : {&x, &y}) number->L = exact.divide(number->T, number->L);
+    } else {
+        for (ExactFloat* number : {&x, &y})
+            number->L = divide_exact(number->T, number->L, divisor.words(), m);
+    }
+    const std::uint64_t inverse = pow_mod(divisor.check(), check_modulus - 2);
+    for (ExactFloat* number : {&x, &y}) number->hash = check_mul(number->hash, inverse);
 }
 
 }  // namespace
@@ -134,8 +149,9 @@ void CommonFactors::count(FactorCounts& counts, std::size_t end, std::uint64_t a
     counts.primes = std::max(counts.primes, end);
 }
 
-void CommonFactors::cancel(FactorCounts& left, FactorCounts& right, ExactFloat& R0, ExactFloat& Q1,
-                           std::uint64_t a, std::uint64_t m, std::uint64_t b) const {
+void CommonFactors::cancel(const MultiplyContext& context, FactorCounts& left, FactorCounts& right,
+                           ExactFloat& R0, ExactFloat& Q1, const ExactFloat& temporary, std::uint64_t a,
+                           std::uint64_t m, std::uint64_t b) const {
     if (b > index_limit) return;  // what is counted of the left half holds for the whole, too
     const std::size_t primes = std::max({primes_for(b - a), left.primes, right.primes});
     count(left, primes, a, m);
@@ -150,9 +166,7 @@ void CommonFactors::cancel(FactorCounts& left, FactorCounts& right, ExactFloat& 
     }
     if (product.is_one()) return;
     product.flush();
-    const std::uint64_t inverse = pow_mod(product.check(), check_modulus - 2);
-    divide(R0, product, inverse);
-    divide(Q1, product, inverse);
+    divide(context, R0, Q1, product, temporary);
 }
 
 }  // namespace qmp

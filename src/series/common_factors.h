@@ -33,8 +33,8 @@ class CommonFactors {
     // Terms of the ranges that are worth it. For shorter ones counting costs more than what is saved, for
     // longer ones dividing.
     struct Ranges {
-        std::uint64_t shortest = 64;
-        std::uint64_t longest = 1024;
+        std::uint64_t shortest = 128;
+        std::uint64_t longest = 2048;
     };
 
     explicit CommonFactors(const TermFactors& factors) : CommonFactors(factors, Ranges{}) {}
@@ -46,8 +46,10 @@ class CommonFactors {
     // Before the merge of (a, m] and (m, b]: divides R0 and Q1 by what they have in common, and replaces the
     // counts of the left half by those of the whole. The counts of a half are what this function made of
     // them, or empty for a range that was too short for it.
-    void cancel(FactorCounts& left, FactorCounts& right, ExactFloat& R0, ExactFloat& Q1, std::uint64_t a,
-                std::uint64_t m, std::uint64_t b) const;
+    // The buffer of `temporary` may be overwritten.
+    void cancel(const MultiplyContext& context, FactorCounts& left, FactorCounts& right, ExactFloat& R0,
+                ExactFloat& Q1, const ExactFloat& temporary, std::uint64_t a, std::uint64_t m,
+                std::uint64_t b) const;
 
   private:
     // A power of a prime: it divides a factor of Q or R at the indices k = -shift modulo the power.

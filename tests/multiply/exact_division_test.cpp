@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "multiply/basecase/schoolbook.h"
+#include "multiply/exact_divisor.h"
+#include "multiply/multiply.h"
 #include "support/random_words.h"
+#include "support/twiddled_context.h"
 
 namespace qmp {
 namespace {
@@ -70,6 +74,42 @@ TEST(ExactDivision, UndoesProductsWithTheLongestDivisor) {
     Random random;
     expect_quotient(make_words(random, 700), make_words(random, longest_divisor));
     expect_quotient(make_words(random, 10), make_words(random, longest_divisor));
+}
+
+// Quotients of the transforms' method, of two numbers by one divisor, against the schoolbook's.
+void expect_quotients(const std::vector<Word>& first, const std::vector<Word>& second,
+                      std::vector<Word> divisor) {
+    divisor[0] |= 1;
+    const std::uint64_t words = std::max(first.size(), second.size()) + 1;
+    kelvara_test::TwiddledContext context(2 * words, iPsize(2 * words, 1));
+    std::vector<Word> temporary(2 * words, kelvara_test::garbage);
+    const auto exact = std::make_unique<ExactDivisor>(context.context(), divisor.data(), divisor.size(),
+                                                      words, temporary.data());
+    for (const auto* quotient : {&first, &second}) {
+        std::vector<Word> x = product(*quotient, divisor);
+        ASSERT_EQ(exact->divide(x.data(), x.size()), quotient->size());
+        EXPECT_TRUE(std::equal(quotient->begin(), quotient->end(), x.begin()));
+    }
+}
+
+TEST(ExactDivisor, UndoesProductsOfEveryPattern) {
+    Random random;
+    for (const auto of_quotient : all_patterns) {
+        for (const auto of_divisor : all_patterns) {
+            for (const auto& [q, m] :
+                 {std::pair(5u, 32u), {28u, 40u}, {29u, 40u}, {57u, 33u}, {300u, 45u}, {800u, 100u}}) {
+                SCOPED_TRACE(testing::Message() << q << " words by " << m);
+                expect_quotients(make_words(random, q, of_quotient), make_words(random, q - 1),
+                                 make_words(random, m, of_divisor));
+            }
+        }
+    }
+}
+
+TEST(ExactDivisor, UndoesProductsWithItsLongestQuotient) {
+    Random random;
+    expect_quotients(make_words(random, ExactDivisor::longest_quotient - 1), make_words(random, 3),
+                     make_words(random, longest_divisor));
 }
 
 }  // namespace

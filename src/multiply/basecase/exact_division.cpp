@@ -11,7 +11,7 @@ namespace {
 
 // The schoolbook kernels work on columns of seven words.
 constexpr std::uint64_t block = 7;
-constexpr std::uint64_t shortest_blocked = 12;
+constexpr std::uint64_t shortest_blocked = 10;
 
 // x / d for a single word. Each word of the quotient waits for the one below it.
 void divide_exact_by_word(Word* x, std::uint64_t n, Word d) {
@@ -33,36 +33,37 @@ void propagate(Word* x, std::uint64_t i, std::uint64_t n, Word carry) {
 }
 
 // Multiples of d are added that clear the n words of x from below: the words of the negative quotient, modulo
-// 2^(64 n), take the places of the words cleared. The multiples of d's lowest block of words, which decide on
-// the next words of the quotient, are added one by one, those of the others a block at a time.
-void clear_from_below(Word* x, std::uint64_t n, const Word* d, std::uint64_t m) {
+// 2^(64 n), take the places of the words cleared. One word at a time.
+void clear_word_by_word(Word* x, std::uint64_t n, const Word* d, std::uint64_t m) {
     const Word negative_inverse = Word{0} - inverse_word(d[0]);
-    const std::uint64_t low = m < shortest_blocked ? m : block;
-    Word product[block + longest_divisor];
-    for (std::uint64_t i = 0; i < n; i += low) {
-        const std::uint64_t end = std::min(n, i + low);
-        for (std::uint64_t j = i; j < end; j++) {
-            const Word q = x[j] * negative_inverse;
-            const std::uint64_t length = std::min(low, n - j);
-            propagate(x, j + length, n, mul_add_word(x + j, d, length, q));
-            x[j] = q;
-        }
-        if (low == m || i + low >= n) continue;
-        const std::uint64_t length = std::min(m - low, n - i - low);
-        const std::uint64_t rows = end - i;
-        mulB(product, d + low, length, x + i, rows);
-        const std::uint64_t written = std::min(length + rows, n - i - low);
-        propagate(x, i + low + written, n, add_words(x + i + low, x + i + low, product, written));
+    for (std::uint64_t i = 0; i < n; i++) {
+        const Word q = x[i] * negative_inverse;
+        const std::uint64_t length = std::min(m, n - i);
+        propagate(x, i + length, n, mul_add_word(x + i, d, length, q));
+        x[i] = q;
     }
 }
 
-void negate(Word* x, std::uint64_t n) {
-    bool borrow = false;
-    for (std::uint64_t i = 0; i < n; i++) {
-        const Word negative = Word{0} - x[i] - borrow;
-        borrow = borrow || x[i] != 0;
-        x[i] = negative;
+// The same a block at a time, for m >= block.
+void clear_block_by_block(Word* x, std::uint64_t n, const Word* d, std::uint64_t m) {
+    Word negative_inverse[block];
+    invert_low_words(negative_inverse, block, d, block);
+    negate_words(negative_inverse, block);
+    Word product[block + longest_divisor];
+    std::uint64_t i = 0;
+    for (; i + block <= n; i += block) {
+        Word q[2 * block];
+        mulB(q, x + i, block, negative_inverse, block);
+        const std::uint64_t length = std::min(m, n - i);
+        mulB(product, d, length, q, block);
+        // The lowest block of the sum is zero, and a carry comes out of it unless it was zero before.
+        const bool carry = std::any_of(x + i, x + i + block, [](Word w) { return w != 0; });
+        const std::uint64_t written = std::min(length, n - i - block);
+        const bool above = add_words(x + i + block, x + i + block, product + block, written, carry);
+        propagate(x, i + block + written, n, above);
+        std::copy_n(q, block, x + i);
     }
+    clear_word_by_word(x + i, n - i, d, m);
 }
 
 }  // namespace
@@ -73,13 +74,29 @@ Word inverse_word(Word odd) {
     return x;
 }
 
+void invert_low_words(Word* inverse, std::uint64_t n, const Word* d, std::uint64_t m) {
+    std::fill_n(inverse, n, Word{0});
+    inverse[0] = 1;
+    clear_word_by_word(inverse, n, d, m);
+    negate_words(inverse, n);
+}
+
+void negate_words(Word* x, std::uint64_t n) {
+    bool borrow = false;
+    for (std::uint64_t i = 0; i < n; i++) {
+        const Word negative = Word{0} - x[i] - borrow;
+        borrow = borrow || x[i] != 0;
+        x[i] = negative;
+    }
+}
+
 std::uint64_t divide_exact(Word* x, std::uint64_t n, const Word* d, std::uint64_t m) {
     const std::uint64_t quotient = n - m + 1;
     if (m == 1) {
         divide_exact_by_word(x, n, d[0]);
     } else {
-        clear_from_below(x, quotient, d, m);
-        negate(x, quotient);
+        (m < shortest_blocked ? clear_word_by_word : clear_block_by_block)(x, quotient, d, m);
+        negate_words(x, quotient);
     }
     return quotient - (x[quotient - 1] == 0);
 }

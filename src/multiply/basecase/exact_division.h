@@ -19,4 +19,10 @@ constexpr std::uint64_t longest_divisor = 512;
 // left as garbage.
 std::uint64_t divide_exact(Word* x, std::uint64_t n, const Word* d, std::uint64_t m);
 
+// inverse[0 .. n) = 1 / d modulo 2^(64 n), for an odd d of m words.
+void invert_low_words(Word* inverse, std::uint64_t n, const Word* d, std::uint64_t m);
+
+// x = -x modulo 2^(64 n).
+void negate_words(Word* x, std::uint64_t n);
+
 }  // namespace qmp
