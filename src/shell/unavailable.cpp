@@ -13,12 +13,6 @@ namespace {
 
 }  // namespace
 
-void run_stress_test_menu() {
-    not_available("The component stress tester");
-}
-void run_stress_test_action(CommandLine&) {
-    run_stress_test_menu();
-}
 void run_io_analysis_menu() {
     not_available("The I/O performance analysis");
 }

@@ -93,6 +93,15 @@ class Signals(unittest.TestCase):
                 session.type("\x03")
                 self.assert_left_as_found(session, signal.SIGINT)
 
+    def test_in_the_middle_of_a_stress_test(self):
+        with Session("stress", "-M:16M", "-T:2", "-D:600", "VST") as session:
+            # The line goes on to show that the test does.
+            session.wait_for("Running Test Vector Transform  ")
+            session.wait_for(" of 600 seconds, ")
+            session.wait_for(" of 600 seconds, ")
+            session.type("\x03")
+            self.assert_left_as_found(session, signal.SIGINT)
+
     def test_an_ignored_interrupt_stays_ignored(self):
         before = signal.signal(signal.SIGINT, signal.SIG_IGN)
         try:

@@ -72,6 +72,13 @@ PROMPTS = [
     number("benchmark type", "", 0, 1, action="bench", when=several_processors),
     number("benchmark sizes", "1", 0, 16, action="bench", when=several_processors),
     number("SuperPi sizes", "1 16", 0, 17, action="bench", when=several_processors),
+    number("stress tester", "1", 0, 15, action=None),
+    number("stress tester without a test", "1 15", 1, 15, action=None),
+    number("threads of the stress tester", "1 2", 1, 65536, "Threads = ", action=None),
+    # Menus show the memory that is free, so that what is taken is compared by the unit's own tests.
+    Prompt("time of the stress tester", "1 4", "Time (seconds) = ", action=None, again=["-1", "-" + HUGE]),
+    number("memory of the stress tester", "1 3 2 0", 0, 2, action=None),
+    Prompt("memory cap of the stress tester", "1 3 1", "Bytes: ", action=None),
     path("validator", "", "Enter Path of Validation File:\n", action="validate", goes_on={
         "": "Unable to open validation file: .txt\n", "\x01x": "Unable to open validation file: ",
         LONG_PATH: "Unable to open validation file: "}),

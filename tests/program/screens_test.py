@@ -53,7 +53,6 @@ class MainMenu(unittest.TestCase):
 
     def test_every_entry(self):
         answers = {
-            "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
             "6": "Advanced Options\n\n  0         Benchmark Validator\n",
             "7": "\nKelvara - Euler's Constant to the eXtReMe\n",
@@ -65,6 +64,14 @@ class MainMenu(unittest.TestCase):
                     session.answer("option: ", "4")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
+
+    def test_the_stress_tester(self):
+        with Session() as session:
+            session.answer("option: ", "1")
+            session.wait_for("\nComponent Stress Tester\n")
+            session.wait_for("option: ")
+            session.type_end_of_input()
+            self.assertEqual(session.end(), 1)
 
     def test_the_custom_compute_menu(self):
         with Session() as session:
