@@ -19,7 +19,7 @@ function(kelvara_set_kernel_flags)
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mssse3;-msse4.1;-msha")
     endif()
     # Modular arithmetic counts on every product being rounded or fused exactly where it says so.
-    if(source MATCHES "/vst/")
+    if(source MATCHES "/(vst|bbp)/")
       set_property(SOURCE ${source} APPEND PROPERTY COMPILE_OPTIONS "-ffp-contract=off")
     endif()
     # The transforms' chains of dependent operations are long: scheduling before registers are allocated,

@@ -202,21 +202,27 @@ BrentMcMillan::Quotient BrentMcMillan::sum_ab(const ComputeContext& context) con
     }
 
     qmp::PsrMemory memory(context, ab_.SizesForPlan(plan_, 0, context.parallel.tds), 3);
-    BigFloat Q, R, T;
-    B_PSR(ab_, context.multiply(memory.scratch), progress, plan_, 0, memory, Q, R, T);
-    for (BigFloat* x : {&Q, &R, &T}) x->truncate_to(p + qmp::big_float_extra_precision);
+    qmp::Series_EulerGamma_BM_AB::Running running;
+    B_PSR(ab_, context.multiply(memory.scratch), progress, plan_, 0, memory, running);
+    for (BigFloat& x : running) x.truncate_to(p + qmp::big_float_extra_precision);
+    const auto& [square, mixed, R, S] = running;  // Q^2, Q P, R, S
 
-    // Both parts of the quotient in the buffer that stays.
+    // Both parts of the quotient in the buffer that stays: A/B = ((P + Q) R - Q S) / (Q (R + Q^2)), times Q
+    // above and below. The steps have the names of the second form.
     const std::uint64_t half = memory.exact[0].words() / 2;
     BigFloat numerator(memory.exact[0].data(), half);
     BigFloat denominator(memory.exact[0].data() + half, half);
     {
         const ScopedLabel label(progress, finishing_label, 'P');
-        BigFloat square(memory.exact[1].data(), half);
-        BigFloat sum(memory.exact[1].data() + half, half);
+        BigFloat sum(memory.exact[1].data(), half);
+        BigFloat product(memory.exact[1].data() + half, half);
+        const qmp::MultiplyContext multiplication = context.multiply(memory.scratch);
         {
             const ScopedLabel part(progress, "Finalizing: Q^2: ", 'w');
-            square.set_sqr(context.multiply(memory.scratch), Q, p);
+            sum.set_uadd(context.parallel, square, mixed, p);
+            denominator.set_mul(multiplication, sum, R, p);
+            product.set_mul(multiplication, square, S, p);
+            numerator.set_usub(context.parallel, denominator, product, p);
         }
         {
             const ScopedLabel part(progress, "Finalizing: R + S: ", 'w');
@@ -224,9 +230,8 @@ BrentMcMillan::Quotient BrentMcMillan::sum_ab(const ComputeContext& context) con
         }
         {
             const ScopedLabel part(progress, "Finalizing: Q * (R + S): ", 'w');
-            denominator.set_mul(context.multiply(memory.scratch), Q, sum, p);
+            denominator.set_mul(multiplication, square, sum, p);
         }
-        numerator.set_BigFloat(context.parallel, T, p);
         if (c_words_ != 0) {
             result.square.number.set_BigFloat(context.parallel, square, c_words_);
             result.sum.number.set_BigFloat(context.parallel, sum, c_words_);

@@ -1,5 +1,7 @@
 #include "digitfiles/digit_reader.h"
 
+#include <algorithm>
+
 #include "errors/exception.h"
 
 namespace qmp {
@@ -34,6 +36,15 @@ void DigitReader::set_pos(std::uint64_t position) {
     if (total != 0 && position > total) throw StringException("DigitReader::set_pos()", "Out of range.");
     empty_buffer();
     position_ = position;
+}
+
+std::span<const char> DigitReader::take(std::uint64_t limit) {
+    if (buffer_offset_ == buffer_size_) reload();
+    const std::uint64_t count = std::min(limit, buffer_size_ - buffer_offset_);
+    const std::span<const char> digits(buffer_.get() + buffer_offset_, count);
+    buffer_offset_ += count;
+    position_ += count;
+    return digits;
 }
 
 }  // namespace qmp

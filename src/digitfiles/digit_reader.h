@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace qmp {
@@ -49,6 +50,10 @@ class DigitReader {
         ++position_;
         return buffer_[buffer_offset_++];
     }
+
+    // The iterator's next digits in one piece: at least one and at most `limit` of them (which is not 0). They
+    // stay where they are until the reader is used again.
+    std::span<const char> take(std::uint64_t limit);
 
     std::uint64_t position() const { return position_; }
     std::uint64_t buffer_offset() const { return buffer_offset_; }

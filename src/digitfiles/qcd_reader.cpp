@@ -123,17 +123,15 @@ void QCDReader::read(std::uint64_t position, char* output, std::uint64_t count) 
 
 bool QCDReader::check_range(std::uint64_t start, std::uint64_t end) {
     if (start >= end) throw StringException("QCDReader::check_range()", "Invalid Parameters");
-    const auto beyond = [&] { return first_.total_digits != 0 && end > first_.total_digits; };
     const std::uint64_t last = (end - 1) / first_.digits_per_file;
     for (std::uint64_t k = start / first_.digits_per_file; k <= last; ++k) {
-        if (beyond()) return false;
         try {
             set_current_file(k);
         } catch (const Exception&) {
             return false;
         }
     }
-    return !beyond();
+    return true;
 }
 
 std::string QCDReader::get_first_digits(std::uint64_t) {

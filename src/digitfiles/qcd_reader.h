@@ -33,8 +33,8 @@ class QCDReader final : public DigitReader {
     // 0 until a file that knows the total has been opened.
     std::uint64_t get_digits() const override { return first_.total_digits; }
     void set_raw(bool raw) override;
-    // True when every file that holds some of the digits can be opened. StringException
-    // ("QCDReader::check_range()") for an empty range.
+    // True when every file that the digits belong into can be opened; the last one may turn out to end before
+    // `end`, which get_digits() then tells. StringException ("QCDReader::check_range()") for an empty range.
     bool check_range(std::uint64_t start, std::uint64_t end) override;
     // The integer part and the point, whatever `count` is.
     std::string get_first_digits(std::uint64_t count) override;

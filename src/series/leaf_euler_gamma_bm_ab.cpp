@@ -7,11 +7,14 @@
 #include "errors/check.h"
 #include "multiply/basecase/word_kernels.h"
 #include "numbers/check_value.h"
+#include "series/euler_gamma_pairs.h"
 #include "series/leaf_residue.h"
 
 namespace qmp {
 
 namespace {
+
+// Term by term, for any n and any index.
 
 // An integer that grows in a buffer; its top word is not zero.
 class Growing {
@@ -48,49 +51,11 @@ class Growing {
         length_ = i;
         if (carry != 0) words_[length_++] = carry;
     }
-    // Times k^3 and k^2, by as many words at once as one word holds.
-    void multiply_cube(Word k) {
-        if (k < (Word{1} << 21)) return multiply(k * k * k);
-        if (k >> 32 != 0) {
-            multiply_square(k);
-            multiply(k);
-            return;
-        }
-        // Below 2^96 the second word's products leave room for two carries.
-        const DoubleWord cube = static_cast<DoubleWord>(k * k) * k;
-        const Word low = low_word(cube);
-        const Word high = high_word(cube);
-        DoubleWord carry = 0;
-        for (std::uint64_t i = 0; i < length_; i++) {
-            const DoubleWord sum = static_cast<DoubleWord>(words_[i]) * low + low_word(carry);
-            carry = static_cast<DoubleWord>(words_[i]) * high + high_word(carry) + high_word(sum);
-            words_[i] = low_word(sum);
-        }
-        if (carry != 0) words_[length_++] = low_word(carry);
-        if (high_word(carry) != 0) words_[length_++] = high_word(carry);
-    }
+    // Times k^2.
     void multiply_square(Word k) {
         if (k >> 32 == 0) return multiply(k * k);
         multiply(k);
         multiply(k);
-    }
-    // Adds x 2^bits.
-    void add(const Growing& x, std::uint64_t bits) {
-        const std::uint64_t offset = bits / 64;
-        const int shift = static_cast<int>(bits % 64);
-        extend(offset + x.length_ + 1);
-        Word* sum = words_ + offset;
-        Word below = 0;
-        Word carry = 0;
-        for (std::uint64_t i = 0; i <= x.length_; i++) {
-            const Word w = i < x.length_ ? x.words_[i] : 0;
-            const Word shifted = shift == 0 ? w : w << shift | below >> (64 - shift);
-            const DoubleWord total = static_cast<DoubleWord>(sum[i]) + shifted + carry;
-            sum[i] = low_word(total);
-            carry = high_word(total);
-            below = w;
-        }
-        propagate(offset + x.length_ + 1, carry);
     }
     void add_bit(std::uint64_t bit) {
         extend(bit / 64 + 1);
@@ -122,85 +87,67 @@ class Growing {
     std::uint64_t length_ = 0;
 };
 
-// The bits of n^(2k), for the terms of one leaf: above those of the leaf's exponent, and modulo the 61 bits
-// of a check value.
-class PowersOfN {
-  public:
-    PowersOfN(std::int32_t exponent, std::uint64_t a, std::uint64_t b) : step_(2 * exponent) {
-        const auto first = static_cast<std::int64_t>(a + 1);
-        const auto last = static_cast<std::int64_t>(b);
-        exp_ = (step_ * (step_ < 0 ? last : first)) >> 6;
-        bits_ = step_ * first;
-        residue_bits_ = static_cast<int>((bits_ % 61 + 61) % 61);
-        residue_step_ = static_cast<int>((step_ + 122) % 61);
-    }
-    // Of all of them, in words.
-    std::int64_t exp() const { return exp_; }
-    std::uint64_t bits() const { return static_cast<std::uint64_t>(bits_ - 64 * exp_); }
-    std::uint64_t residue() const { return std::uint64_t{1} << residue_bits_; }
-    void next() {
-        bits_ += step_;
-        residue_bits_ = (residue_bits_ + residue_step_) % 61;
-    }
-
-  private:
-    std::int64_t step_;
-    std::int64_t exp_;
-    std::int64_t bits_;
-    int residue_bits_;
-    int residue_step_;
-};
-
-}  // namespace
-
-std::uint64_t euler_gamma_leaf_words(std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
-    // A summand is n^(2k), its bits counted from a whole word, times two factors of at most b for each term
-    // behind it, times Q (H_k - H_a), which is less than (b - a) Q. There are b - a of them.
-    const std::uint64_t terms = b - a;
-    const auto factor_bits = static_cast<std::uint64_t>(std::bit_width(b));
-    const std::uint64_t term_bits = 2 * std::max(factor_bits, static_cast<std::uint64_t>(std::abs(exponent)));
-    const std::uint64_t bits = 64 + (terms - 1) * term_bits + terms * factor_bits +
-                               2 * static_cast<std::uint64_t>(std::bit_width(terms));
-    return bits / 64 + 1;
-}
-
-void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& T,
-                              std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
-    const std::uint64_t capacity = euler_gamma_leaf_words(exponent, a, b) + 1;
-    for (const ExactFloat* x : {&P, &Q, &R, &T}) {
-        require_capacity("EulerGamma_BM_AB_BSR_End()", x->AL, capacity);
-    }
+void sum_term_by_term(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& S, std::int32_t exponent,
+                      std::uint64_t a, std::uint64_t b) {
     Growing p(P.base);
     Growing q(Q.base);
     Growing r(R.base);
-    Growing t(T.base);
-    PowersOfN power(exponent, a, b);
+    Growing s(S.base);
+    EulerGammaPowers power(exponent, a, b);
     q.set_one();
     std::uint64_t p_check = 0;
     std::uint64_t q_check = 1;
     std::uint64_t r_check = 0;
-    std::uint64_t t_check = 0;
+    std::uint64_t s_check = 0;
     for (std::uint64_t k = a + 1; k <= b; k++, power.next()) {
-        // P = P k + Q, Q = Q k, R = R k^2 + n^(2k), T = T k^3 + P n^(2k) with the new P.
+        // P = P k + Q, Q = Q k, S = (S k + R) k + n^(2k), R = R k^2 + n^(2k).
         using namespace leaf;
         p.multiply_add(k, q);
         q.multiply(k);
+        s.multiply_add(k, r);
+        s.multiply(k);
+        s.add_bit(power.bits());
         r.multiply_square(k);
         r.add_bit(power.bits());
-        t.multiply_cube(k);
-        t.add(p, power.bits());
 
         const std::uint64_t factor = residue(k);
         const std::uint64_t square = residue_product(factor, factor);
         p_check = residue_sum(p_check, factor, q_check, 1);
         q_check = residue_product(q_check, factor);
+        s_check = residue_sum(s_check, square, r_check, factor);
+        s_check = residue_sum(s_check, 1, power.residue(), 1);
         r_check = residue_sum(r_check, square, power.residue(), 1);
-        t_check = residue_sum(t_check, residue_product(square, factor), p_check, power.residue());
     }
     p.store(P, 0, p_check);
     q.store(Q, 0, q_check);
     r.store(R, power.exp(), r_check);
-    t.store(T, power.exp(), t_check);
+    s.store(S, power.exp(), s_check);
+}
+
+}  // namespace
+
+std::uint64_t euler_gamma_leaf_words(std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
+    // A summand is n^(2k), its bits counted from a whole word, times two factors of at most b for each term
+    // behind it, times 1 + H_b - H_k, which is at most b - a. There are b - a of them.
+    const std::uint64_t terms = b - a;
+    const auto factor_bits = static_cast<std::uint64_t>(std::bit_width(b));
+    const std::uint64_t term_bits = 2 * std::max(factor_bits, static_cast<std::uint64_t>(std::abs(exponent)));
+    const std::uint64_t bits =
+        64 + (terms - 1) * term_bits + 2 * static_cast<std::uint64_t>(std::bit_width(terms));
+    return bits / 64 + 1;
+}
+
+void EulerGamma_BM_AB_BSR_End(ExactFloat& P, ExactFloat& Q, ExactFloat& R, ExactFloat& S,
+                              std::int32_t exponent, std::uint64_t a, std::uint64_t b) {
+    const std::uint64_t capacity = euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words;
+    for (const ExactFloat* x : {&P, &Q, &R, &S}) {
+        require_capacity("EulerGamma_BM_AB_BSR_End()", x->AL, capacity);
+    }
+    if (sum_in_pairs(exponent, b)) {
+        EulerGammaPairs(P.base, Q.base, R.base, S.base, exponent, a).sum(b, P, Q, R, S);
+    } else {
+        sum_term_by_term(P, Q, R, S, exponent, a, b);
+    }
 }
 
 }  // namespace qmp

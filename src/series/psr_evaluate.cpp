@@ -16,7 +16,7 @@ namespace qmp {
 
 namespace {
 
-// The running values: P and Q, or Q, R and T.
+// The running values: P and Q, or Q^2, Q P, R and S.
 template <typename Series>
 using Running = std::array<BigFloat, Series::running_count>;
 
@@ -116,16 +116,51 @@ typename Series::Buffers carve(const PsrMemory& memory, std::uint64_t words) {
     return out;
 }
 
-// The running value i after the last block: its exact outputs, of the Brent-McMillan sums without P.
+BigFloat whole_buffer(const CheckedWords& buffer) {
+    return {buffer.data(), buffer.words()};
+}
+
+// The running values' places.
 template <typename Series>
-constexpr std::size_t running_output = Series::running_count == 3 ? 1 : 0;
+void place(const Series&, const PsrMemory& memory, Running<Series>& running) {
+    for (std::size_t i = 0; i < running.size(); i++) running[i] = whole_buffer(memory.running[i]);
+}
+
+void place(const Series_EulerGamma_BM_AB&, const PsrMemory& memory,
+           Series_EulerGamma_BM_AB::Running& running) {
+    for (std::size_t i = 0; i < 3; i++) running[i] = whole_buffer(memory.running[i]);
+    const std::uint64_t half = memory.exact[2].words() / 2;
+    running[3] = BigFloat(memory.exact[2].data() + half, half);
+}
+
+// The running values after the last block.
+template <typename Series>
+void start(const Series&, const MultiplyContext& context, const PsrBlock&,
+           const typename Series::Buffers& exact, Running<Series>& running) {
+    for (std::size_t r = 0; r < running.size(); r++) {
+        const ExactFloat& x = exact[r];
+        running[r].set_BigFloat(context.parallel(), BigFloatView{x.T, x.L, x.exp, 1}, x.L);
+    }
+}
+
+void start(const Series_EulerGamma_BM_AB&, const MultiplyContext& context, const PsrBlock& range,
+           const Series_EulerGamma_BM_AB::Buffers& exact, Series_EulerGamma_BM_AB::Running& running) {
+    const std::uint64_t p = range.precision_at_a;
+    start_euler_gamma_bm_ab(context, p, exact, running[0], running[1]);
+    for (std::size_t r : {2, 3}) {
+        const ExactFloat& x = exact[r];
+        running[r].set_BigFloat(context.parallel(), BigFloatView{x.T, x.L, x.exp, 1}, p);
+    }
+}
+
+// Of the running values, the one whose length the label of a merge tells: Q, or Q^2.
+template <typename Series>
+constexpr std::size_t running_q = Series::running_count == 4 ? 0 : 1;
 
 template <typename Series>
 void evaluate(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
               std::uint64_t first, PsrMemory& memory, Running<Series>& running) {
-    for (std::size_t i = 0; i < running.size(); i++) {
-        running[i] = BigFloat(memory.running[i].data(), memory.running[i].words());
-    }
+    place(series, memory, running);
     const std::optional<CommonFactors> factors = common_factors(series);
     const std::uint64_t total = plan.blocks.size() - first;
     for (std::uint64_t done = 0; done < total; done++) {
@@ -143,17 +178,13 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
         qcb_Verify_BSR(progress, block.a, block.b, {exact.data(), Series::output_count}, context.parallel());
 
         if (done == 0) {
-            for (std::size_t r = 0; r < running.size(); r++) {
-                const ExactFloat& x = exact[r + running_output<Series>];
-                running[r].set_BigFloat(context.parallel(), BigFloatView{x.T, x.L, x.exp, 1}, x.L);
-            }
+            start(series, context, block, exact, running);
             continue;
         }
         for (BigFloat& x : running) x.truncate_to(block.precision_at_a + big_float_extra_precision);
         ScopedLabel merge(progress, "-  ", label_colour);
-        const std::uint64_t running_q = running[1 - running_output<Series>].L;
-        ScopedLabel size(progress, console::format_separated(word_to_dec(exact[1].L + running_q)),
-                         label_size_colour);
+        const std::uint64_t words = exact[1].L + running[running_q<Series>].L;
+        ScopedLabel size(progress, console::format_separated(word_to_dec(words)), label_size_colour);
         fold_block(series, context, block, exact, memory, running);
     }
 }
@@ -197,13 +228,9 @@ void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progres
 }
 
 void B_PSR(const Series_EulerGamma_BM_AB& series, const MultiplyContext& context, Progress* progress,
-           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& Q, BigFloat& R,
-           BigFloat& T) {
-    Running<Series_EulerGamma_BM_AB> running;
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory,
+           Series_EulerGamma_BM_AB::Running& running) {
     evaluate(series, context, progress, plan, first, memory, running);
-    Q = running[0];
-    R = running[1];
-    T = running[2];
 }
 
 }  // namespace qmp

@@ -15,7 +15,8 @@
 namespace qmp {
 
 // The buffers of an evaluation. The exact ones hold the results of a block, two temporaries each; the running
-// ones hold the running P and Q, of the Brent-McMillan sums Q, R and T. exact[0] and running[1] lie lowest,
+// ones hold the running P and Q, of the Brent-McMillan sums Q^2, Q P and R, whose S lies in the upper half of
+// the last exact buffer: their merges need but one temporary. exact[0] and running[1] lie lowest,
 // so that what the other buffers took is one piece once they are released.
 struct PsrMemory {
     std::array<CheckedWords, 3> exact;
@@ -37,9 +38,9 @@ void B_PSR(const BSS_P2B2_BBP& series, const MultiplyContext& context, Progress*
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
 void B_PSR(const BSS_P2B3_Type0& series, const MultiplyContext& context, Progress* progress,
            const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& P, BigFloat& Q);
-// The same with the running Q, R and T.
+// The same with the running Q^2, Q P, R and S.
 void B_PSR(const Series_EulerGamma_BM_AB& series, const MultiplyContext& context, Progress* progress,
-           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory, BigFloat& Q, BigFloat& R,
-           BigFloat& T);
+           const PsrPlan& plan, std::uint64_t first, PsrMemory& memory,
+           Series_EulerGamma_BM_AB::Running& running);
 
 }  // namespace qmp

@@ -5,17 +5,21 @@
 //   Q = (a + 1) (a + 2) ... b
 //   P = Q (H_b - H_a)
 //   R = sum over k = a + 1 .. b of n^(2k) ((k + 1) ... b)^2
-//   T = Q times the sum over k = a + 1 .. b of n^(2k) ((k + 1) ... b)^2 (H_k - H_a)
-// so that over (0, N], B = (R + Q^2) / Q^2 and A = T / Q^3. Powers of n are shifts: R and T keep the lowest
-// one of their range as their exponent.
+//   S = sum over k = a + 1 .. b of n^(2k) ((k + 1) ... b)^2 (1 + H_b - H_k)
+// so that over (0, N], B = (R + Q^2) / Q^2 and A = ((P + Q) R - Q S) / Q^3. Counting the harmonic numbers
+// from the range's end, not from its beginning, keeps the sums to the square of Q: their denominators are
+// among its factors. The one beside them keeps S from being zero. Powers of n are shifts: R and S keep the
+// lowest one of their range as their exponent.
 //
-// In words T is about three times as long as Q, and R twice: sizes are those of T.
+// In words R and S are about twice as long as Q. Sizes are those of A's numerator, three times as long, which
+// leaves each buffer room for a half's R or S beside its number.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
 #include "multiply/multiply_context.h"
+#include "numbers/big_float.h"
 #include "numbers/exact_float.h"
 #include "series/binary_splitting_series.h"
 
@@ -23,13 +27,14 @@ namespace qmp {
 
 class Series_EulerGamma_BM_AB final : public BinarySplittingSeries {
   public:
-    // P, Q, R, T, and the two temporaries of the merges.
+    // P, Q, R, S, and the temporary of the merges.
     static constexpr std::size_t output_count = 4;
-    static constexpr std::size_t buffer_count = 6;
+    static constexpr std::size_t buffer_count = 5;
     using Buffers = std::array<ExactFloat, buffer_count>;
     static constexpr const char* psr_function = "Series_EulerGamma_BM_AB::B_PSR()";
-    // The running values of a plan: Q, R, T. What stands behind a block needs no P.
-    static constexpr std::size_t running_count = 3;
+    // The running values of a plan: Q^2, Q P, R, S.
+    static constexpr std::size_t running_count = 4;
+    using Running = std::array<BigFloat, running_count>;
 
     // n = 2^exponent, -1 <= exponent <= 63.
     explicit Series_EulerGamma_BM_AB(std::int32_t exponent);
@@ -43,7 +48,7 @@ class Series_EulerGamma_BM_AB final : public BinarySplittingSeries {
     // The smallest index, from n on, whose term is below the largest one by p words and e, and two terms
     // more.
     std::uint64_t TermsForPrecision(std::uint64_t p) const override;
-    // ln T(0, x) less the exponent of T.
+    // Of A's numerator over (0, x], less its exponent.
     double SizeAtIndex(double x) const override;
     double SizeAtIndexPSR(const double& x) const override { return SizeAtIndex(x); }
     // Terms grow up to the index n: nothing is lost until then.
@@ -55,7 +60,7 @@ class Series_EulerGamma_BM_AB final : public BinarySplittingSeries {
 
     // 1 <= b - a < leaf_size.
     void leaf(const MultiplyContext& context, Buffers& out, std::uint64_t a, std::uint64_t b) const;
-    // P = P0 Q1 + Q0 P1, Q = Q0 Q1, R = R0 Q1^2 + R1, T = T0 Q1^3 + Q0 T1 + P0 Q1 R1; buffers as in
+    // P = P0 Q1 + Q0 P1, Q = Q0 Q1, R = R0 Q1^2 + R1, S = S0 Q1^2 + R0 P1 Q1 + S1; buffers as in
     // BSS_P2B3_Type0::merge, without signs.
     static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool);
 

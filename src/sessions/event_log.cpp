@@ -1,7 +1,7 @@
 #include "sessions/event_log.h"
 
 #include "console/format.h"
-#include "sessions/local_time.h"
+#include "platform/local_time.h"
 
 namespace kelvara {
 

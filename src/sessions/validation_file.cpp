@@ -3,8 +3,8 @@
 #include "console/console.h"
 #include "console/format.h"
 #include "errors/file_exception.h"
+#include "platform/local_time.h"
 #include "sessions/last_digits.h"
-#include "sessions/local_time.h"
 #include "swap/sequential_file.h"
 
 namespace kelvara {

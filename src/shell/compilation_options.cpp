@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "console/console.h"
+#include "constants/bbp/levels.h"
 #include "multiply/algorithm_table.h"
 #include "multiply/kernel_listing.h"
 #include "multiply/word.h"
@@ -128,8 +129,11 @@ void print_dependencies() {
     }
     console::newline();
     console::println("BBP Digit Extractor:");
-    console::print_column_line(bbp_column, "    Primary Algorithm", "None (not in this build yet)",
-                               kernel_colour);
+    std::string_view label = "    Primary Algorithm";
+    for (const std::string& kernel : bbp::kernel_names()) {
+        console::print_column_line(bbp_column, label, kernel, kernel_colour);
+        label = "";
+    }
 }
 
 void print_program() {

@@ -13,12 +13,6 @@ namespace {
 
 }  // namespace
 
-void run_stress_test_menu() {
-    not_available("The component stress tester");
-}
-void run_stress_test_action(CommandLine&) {
-    run_stress_test_menu();
-}
 void run_io_analysis_menu() {
     not_available("The I/O performance analysis");
 }
@@ -30,12 +24,6 @@ void run_resumed_computation(const Checkpoint&) {
     not_available("Resuming a computation");
 }
 
-void run_bbp_extractor() {
-    not_available("The BBP digit extractor");
-}
-void run_ordalis() {
-    not_available("Ordalis");
-}
 void run_swap_multiply_test() {
     not_available("The swap multiplication test");
 }

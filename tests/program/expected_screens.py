@@ -143,7 +143,11 @@ SECTIONS = [
         "    d19_to_u64          AVX-512",
         "",
         "BBP Digit Extractor:",
-        "    Primary Algorithm           None (not in this build yet)",
+        "    Primary Algorithm           f64v1_AVX512",
+        "                                f64v1_AVX2",
+        "                                f64v1_XOP",
+        "                                f64v1_SSE2",
+        "                                f64v1_Native",
     ]),
     ("Kelvara", [
         "Compilation Mode        Single Module",

@@ -2,9 +2,11 @@
 
 import os
 import signal
+import tempfile
 import time
 import unittest
 
+from digit_files import compressed
 from kelvara_program import ProgramTest
 from terminal_session import Session
 
@@ -71,6 +73,32 @@ class Signals(unittest.TestCase):
     def test_in_the_middle_of_a_computation(self):
         with Session("custom", "pi", "-dec:200m", "-hex:0", "-o", "/tmp") as session:
             session.wait_for("Summing Series...")
+            session.type("\x03")
+            self.assert_left_as_found(session, signal.SIGINT)
+
+    def test_in_the_middle_of_a_digit_file(self):
+        digits = 10**12
+        with tempfile.TemporaryDirectory() as folder:
+            # All of its digits are 0, and none of them takes room on the disk.
+            path = os.path.join(folder, "0.qcd")
+            with open(path, "wb") as file:
+                file.write(compressed("", 10, digits, 0, digits))
+                file.truncate(file.tell() + (digits + 18) // 19 * 8)
+            with Session("ordalis") as session:
+                session.answer("extensions):\n", path)
+                session.answer("option: ", "1")
+                session.answer("Starting Digit: ", "1")
+                session.answer("Ending Digit:   ", "1t")
+                session.wait_for("1t\n\n")
+                session.type("\x03")
+                self.assert_left_as_found(session, signal.SIGINT)
+
+    def test_in_the_middle_of_a_stress_test(self):
+        with Session("stress", "-M:16M", "-T:2", "-D:600", "VST") as session:
+            # The line goes on to show that the test does.
+            session.wait_for("Running Test Vector Transform  ")
+            session.wait_for(" of 600 seconds, ")
+            session.wait_for(" of 600 seconds, ")
             session.type("\x03")
             self.assert_left_as_found(session, signal.SIGINT)
 

@@ -66,6 +66,13 @@ OPTIONS = [
     (("bench", "-TD"), "25m", TASKS, {"": TASKS, "x": TASKS, "-1": TASKS, "0": TASKS, "65537": TASKS, HUGE: TASKS,
                                      "65536": ACCEPTED}),
     (("bench",), "25m", ACCEPTED, {"": ACCEPTED, "x": ACCEPTED, HUGE: ACCEPTED}),
+    (("stress",), "-M", ACCEPTED, {value: ACCEPTED for value in ("", "x", "-1", "0", "1.5G", "7E", HUGE, HUGE + "E")}),
+    (("stress",), "-T", ACCEPTED, {value: ACCEPTED for value in ("", "x", "-1", "0", "8x", "65537", HUGE)}),
+    (("stress",), "-D", ACCEPTED, {value: ACCEPTED for value in ("", "x", "-1", "0", "1.5", HUGE)}),
+    (("stress",), "VST", ACCEPTED, {"": ACCEPTED, "x": ACCEPTED, HUGE: ACCEPTED}),
+    (("stress", "VST", "-T:2"), "BKT", ACCEPTED, {"": ACCEPTED}),
+    (("stress",), "vst", "Invalid Command: vst\n", {"": "Invalid Command: vst:\n", "8": "Invalid Command: vst:8\n"}),
+    (("stress",), "C17", "Invalid Command: C17\n", {"": "Invalid Command: C17:\n"}),
     (("bench",), "26m", "Invalid Command: 26m\n", {"": "Invalid Command: 26m:\n", "8": "Invalid Command: 26m:8\n"}),
 ]
 
@@ -75,8 +82,6 @@ FLAG_VALUES = ["", ":", ":x", ":-1", ":0", ":1:1", ":999999t", ":" + HUGE, ":-" 
 
 # Actions that this build does not have say so, whatever their options are.
 MISSING = [
-    ("stress", "The component stress tester is not available in this build yet.",
-     ("-M", "-M:x", "-M:" + HUGE, "-T:0", "-D:-1", "nonsense")),
     ("benchio", "The I/O performance analysis is not available in this build yet.",
      ("-M", "-M:x", "-TD:0", "-TD:" + HUGE, "-minIO", "-swap", "nonsense")),
 ]
@@ -87,6 +92,7 @@ class Options(ProgramTest):
         code, output = self.run_program(*arguments)
         self.assertIn(text, output)
         self.assertNotIn("Begin Computation", output)
+        self.assertNotIn("Starting Continuous", output)
         self.assertEqual(code, 1 if text.strip().startswith("Invalid Parameter") else 0, output)
 
     def test_every_value(self):

@@ -7,6 +7,7 @@ last "answer" of every test.
 import os
 import unittest
 
+from digit_files import write_digit_files
 from kelvara_program import ProgramTest
 from terminal_session import ON_WINDOWS
 
@@ -42,6 +43,16 @@ def argument(name, route, low, high, squares=()):
     return Prompt(name, route, "n = ", again=again)
 
 
+def digit(name, route, text, low, high):
+    """A prompt of the viewer for a digit's number, a number of digits, or a file's."""
+    again = [*NO_DIGIT_COUNT]
+    if low > 0:
+        again += ["", "letters", "0", str(low - 1)]
+    if high < BIGGEST:
+        again += [str(high + 1), str(BIGGEST), "15E"]
+    return Prompt(name, route, text, again=again, action="ordalis")
+
+
 def path(name, route, text="Path: ", **more):
     return Prompt(name, route, text, **more)
 
@@ -61,6 +72,13 @@ PROMPTS = [
     number("benchmark type", "", 0, 1, action="bench", when=several_processors),
     number("benchmark sizes", "1", 0, 16, action="bench", when=several_processors),
     number("SuperPi sizes", "1 16", 0, 17, action="bench", when=several_processors),
+    number("stress tester", "1", 0, 15, action=None),
+    number("stress tester without a test", "1 15", 1, 15, action=None),
+    number("threads of the stress tester", "1 2", 1, 65536, "Threads = ", action=None),
+    # Menus show the memory that is free, so that what is taken is compared by the unit's own tests.
+    Prompt("time of the stress tester", "1 4", "Time (seconds) = ", action=None, again=["-1", "-" + HUGE]),
+    number("memory of the stress tester", "1 3 2 0", 0, 2, action=None),
+    Prompt("memory cap of the stress tester", "1 3 1", "Bytes: ", action=None),
     path("validator", "", "Enter Path of Validation File:\n", action="validate", goes_on={
         "": "Unable to open validation file: .txt\n", "\x01x": "Unable to open validation file: ",
         LONG_PATH: "Unable to open validation file: "}),
@@ -118,8 +136,51 @@ PROMPTS = [
     Prompt("nodes", "9 2 2 3", "Node #", goes_on={
         "letters": "NUMA nodes:             0", "-1": "NUMA nodes:             0",
         HUGE + "\n": f"NUMA nodes:             {BIGGEST}\n"}),
+    number("digit extractor", "", 0, 5, action="bbp"),
+    number("formulas of the digit extractor", "1", 0, 1, action="bbp", goes_on={"": "  1     Formula:                Plouffe"}),
+    Prompt("offset", "2", "Offset: ", action="bbp", again=["70368744177664", "64T", *NO_DIGIT_COUNT],
+           goes_on={"": "  2     Hexadecimal Offset:     0\n", "letters": "Offset:     0\n",
+                    "70368744177663": "Hexadecimal Offset:     70,368,744,177,663\n"}),
+    Prompt("digits of the digit extractor", "3", "Digits: ", action="bbp",
+           again=["", "letters", "0", "7", "1048577", *NO_DIGIT_COUNT],
+           goes_on={"8": "Digits to Compute :     8   Internal Precision: 24 ",
+                    "1M": "Digits to Compute :     1,048,576   Internal Precision: 1,048,592 "}),
+    number("threads of the digit extractor", "4", 1, 65536, "Threads: ", action="bbp"),
     path("configuration to load", "20", refused=["", "none", "none/none", "\x01x", LONG_PATH]),
     path("configuration to save", "21", refused=["none/none", LONG_PATH]),
+    path("digit file", "", "Enter the path of the file (include .txt or .qcd extensions):\n", action="ordalis"),
+    number("text file", "pi.txt", 0, 3, action="ordalis", goes_on={
+        "": "View a Range of Digits", "letters": "View a Range of Digits"}),
+    number("hexadecimal text file", "hex.txt", 0, 3, action="ordalis"),
+    digit("first digit to view", "pi.txt 0", "Starting Digit: ", 1, 250),
+    digit("digits to view", "pi.txt 0 101", "Digits to View: ", 1, 150),
+    digit("first digit to count", "pi.txt 1", "Starting Digit: ", 1, 250),
+    digit("last digit to count", "pi.txt 1 101", "Ending Digit:   ", 101, 250),
+    digit("last digit of the hash", "pi.txt 2", "Ending Digit: ", 1, 250),
+    digit("digits to compress", "pi.txt 3", "Digits to Write: ", 1, 250),
+    Prompt("digits per file of the viewer", "pi.txt 3 250", "Digits per file (0 for single file): ",
+           again=["1", "999999", *NO_DIGIT_COUNT], action="ordalis",
+           goes_on={"": "Enter a name for the digits:", "letters": "Enter a name for the digits:"}),
+    path("name of the digits", "pi.txt 3 250 0", "Enter a name for the digits:\n", action="ordalis",
+         goes_on={"": "Enter the destination path"}),
+    path("folder of the digits", "pi.txt 3 250 0 Name", "Enter the destination path (SPACE for default):\n",
+         action="ordalis"),
+    number("compressed file", "few/pi2.qcd", 0, 5, action="ordalis", goes_on={"": "View a Range of Digits"}),
+    digit("first compressed digit to view", "few/pi2.qcd 0", "Starting Digit: ", 1, 250),
+    digit("first digit of an unknown number", "few/pi0.qcd 0", "Starting Digit: ", 1, BIGGEST),
+    digit("digits to view of an unknown number", "few/pi0.qcd 0 1", "Digits to View: ", 1, 100000),
+    digit("digits to view at the largest", f"few/pi0.qcd 0 {BIGGEST}", "Digits to View: ", 1, 1),
+    digit("first digit to decompress", "few/pi2.qcd 3", "Starting Digit: ", 1, 250),
+    digit("digits to decompress", "few/pi2.qcd 3 2", "Digits to Write: ", 1, 249),
+    path("text file to write", "few/pi2.qcd 3 2 249", "Enter the path of the destination file:\n",
+         action="ordalis"),
+    digit("digits per file to recompress", "few/pi2.qcd 4", "Digits per file: ", 1000000, BIGGEST),
+    digit("first file to recompress", "few/pi2.qcd 4 1m", "Start ID: ", 0, BIGGEST),
+    digit("last file to recompress", "few/pi2.qcd 4 1m 0", "End   ID: ", 0, BIGGEST),
+    path("folder of the files to recompress", "few/pi2.qcd 4 1m 0 0",
+         "Enter the destination path (SPACE for default):\n", action="ordalis"),
+    path("search folder", "few/pi2.qcd 5", "Enter directory:\n", action="ordalis", goes_on={
+        "": "Search paths:\n    few/\n\n", "none": "Search paths:\n    few/\n    none/\n\n"}),
 ]
 
 
@@ -136,6 +197,7 @@ class Prompts(ProgramTest):
     def setUp(self):
         super().setUp()
         os.chdir(self.folder)
+        write_digit_files(self.folder)
 
     def tearDown(self):
         os.chdir("/")

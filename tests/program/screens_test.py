@@ -53,10 +53,7 @@ class MainMenu(unittest.TestCase):
 
     def test_every_entry(self):
         answers = {
-            "1": "The component stress tester is not available in this build yet.",
             "2": "The I/O performance analysis is not available in this build yet.",
-            "4": "The BBP digit extractor is not available in this build yet.",
-            "5": "Ordalis is not available in this build yet.",
             "6": "Advanced Options\n\n  0         Benchmark Validator\n",
             "7": "\nKelvara - Euler's Constant to the eXtReMe\n",
         }
@@ -67,6 +64,14 @@ class MainMenu(unittest.TestCase):
                     session.answer("option: ", "4")
                 self.assertEqual(session.end(), 0)
                 self.assertIn(text, session.text())
+
+    def test_the_stress_tester(self):
+        with Session() as session:
+            session.answer("option: ", "1")
+            session.wait_for("\nComponent Stress Tester\n")
+            session.wait_for("option: ")
+            session.type_end_of_input()
+            self.assertEqual(session.end(), 1)
 
     def test_the_custom_compute_menu(self):
         with Session() as session:
@@ -233,7 +238,7 @@ class CompilationOptions(unittest.TestCase):
         session = self.run_screen()
         for text in ("<T>" + "=" * 64 + "\n<Y>Objects Library\n<white>\n", "Verbose Status          <R>Disabled<white>\n",
                      "InvSqrt Purturb         <G>Enabled<white>\n",
-                     "Primary Algorithm           <P>None (not in this build yet)<white>\n"):
+                     "Primary Algorithm           <P>f64v1_AVX512<white>\n"):
             self.assertTrue(session.shows(text), session.coloured())
 
 

@@ -1,7 +1,7 @@
 """Transcripts of terminal sessions: what a person saw and typed, replayed on the real program.
 
 A file of `transcripts/` begins with the command line ("$ kelvara custom"), what the machine must be like behind
-a "#", and goes on with the screen to the letter:
+a "#" ("digit files" lie in the session's folder), and goes on with the screen to the letter:
 
     <P>Compute a Constant:           the colour letter stands where a line stops being white or changes its colour
     option: <T>«12»                  a typed line, here 12; «key» is one key at a pause
@@ -48,7 +48,8 @@ class Transcript:
         assert command.startswith("$ kelvara"), path
         command, *conditions = [part.strip() for part in command.split("#")]
         self.arguments = command.split()[2:]
-        self.conditions = conditions
+        self.needs_digit_files = "digit files" in conditions
+        self.conditions = [condition for condition in conditions if condition != "digit files"]
         lines = [line for line in text.split("\n") if not line.startswith(OTHER_SYSTEM)]
         text = "\n".join(re.sub("^" + re.escape(THIS_SYSTEM) + " ?", "", line) for line in lines)
         ending = EXIT.search(text)

@@ -3,6 +3,7 @@
 import os
 import unittest
 
+from digit_files import write_digit_files
 from kelvara_program import ProgramTest
 from terminal_session import ON_WINDOWS
 from transcript import Transcript
@@ -11,7 +12,7 @@ FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "transcripts")
 
 
 class Transcripts(ProgramTest):
-    """Sessions start in the test's own folder, which is empty."""
+    """Sessions start in the test's own folder, which is empty unless a transcript begins with digit files."""
 
     def setUp(self):
         super().setUp()
@@ -28,6 +29,8 @@ class Transcripts(ProgramTest):
             reason = CONDITIONS[condition]()
             if reason:
                 self.skipTest(reason)
+        if transcript.needs_digit_files:
+            write_digit_files(self.folder)
         processors = {min(os.sched_getaffinity(0))} if "one processor" in transcript.conditions else None
         transcript.replay(processors=processors)
 

@@ -57,25 +57,26 @@ inline Integer integer_of(qmp::ExactFloatView x, std::int64_t scale) {
     return result << static_cast<std::uint64_t>(64 * (x.exp + scale));
 }
 
-// P, Q, R and T over (a, b], times 2^(64 scale), by the sums that define them.
+// P, Q, R and S over (a, b], times 2^(64 scale), by the sums that define them.
 inline std::array<Integer, 4> euler_gamma_sums(std::int32_t exponent, std::uint64_t a, std::uint64_t b,
                                                std::int64_t scale) {
     Integer Q = 1;
     for (std::uint64_t k = a + 1; k <= b; k++) Q = Q * k;
-    Integer P = 0;  // Q (H_k - H_a), as k grows
+    Integer P = 0;  // Q (H_b - H_k), as k falls
     Integer R = 0;
-    Integer T = 0;
-    Integer behind = Q;  // (k + 1) ... b
-    for (std::uint64_t k = a + 1; k <= b; k++) {
-        behind = behind / k;
-        P = P + Q / k;
-        const Integer square = behind * behind << static_cast<std::uint64_t>(
-                                   2 * exponent * static_cast<std::int64_t>(k) + 64 * scale);
+    Integer S = 0;
+    Integer behind = 1;  // (k + 1) ... b
+    for (std::uint64_t k = b; k > a; k--) {
+        const auto bits =
+            static_cast<std::uint64_t>(2 * exponent * static_cast<std::int64_t>(k) + 64 * scale);
+        const Integer square = behind * behind << bits;
         R = R + square;
-        T = T + square * P;
+        S = S + square + square * P / Q;
+        P = P + Q / k;
+        behind = behind * k;
     }
     const auto scale_bits = static_cast<std::uint64_t>(64 * scale);
-    return {P << scale_bits, Q << scale_bits, R, T};
+    return {P << scale_bits, Q << scale_bits, R, S};
 }
 
 }  // namespace kelvara_test

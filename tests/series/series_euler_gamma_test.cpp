@@ -10,6 +10,7 @@
 
 #include "errors/bsr_modular_check.h"
 #include "errors/exception.h"
+#include "series/euler_gamma_pairs.h"
 #include "series/euler_gamma_sums.h"
 #include "series/leaf_euler_gamma_bm_ab.h"
 #include "series/psr_evaluate.h"
@@ -31,7 +32,8 @@ struct Leaf {
 
     Leaf(std::int32_t exponent, std::uint64_t a, std::uint64_t b, std::uint64_t fewer = 0) {
         for (ExactFloat& x : out) {
-            const std::uint64_t words = euler_gamma_leaf_words(exponent, a, b) + 1 - fewer;
+            const std::uint64_t words =
+                euler_gamma_leaf_words(exponent, a, b) + euler_gamma_leaf_spare_words - fewer;
             memory.emplace_back(nullptr, words);
             kelvara_test::fill_garbage(memory.back().data(), words);
             x = ExactFloat(memory.back().data(), words);
@@ -60,14 +62,14 @@ TEST(EulerGammaLeaf, OfOneTerm) {
         for (const std::uint64_t k : {1u, 2u, 3u, 16u, 31u, 32u, 33u, 100u}) {
             const Leaf leaf(e, k - 1, k);
             const std::int64_t bits = 2 * e * static_cast<std::int64_t>(k);
-            const auto& [P, Q, R, T] = leaf.out;
-            for (const ExactFloat* x : {&P, &Q, &R, &T}) {
+            const auto& [P, Q, R, S] = leaf.out;
+            for (const ExactFloat* x : {&P, &Q, &R, &S}) {
                 ASSERT_EQ(x->L, 1u);
                 EXPECT_EQ(recheck(ParallelContext::sequential(), *x), 0u);
             }
             EXPECT_EQ(P.T[0], 1u);
             EXPECT_EQ(Q.T[0], k);
-            for (const ExactFloat* power : {&R, &T}) {
+            for (const ExactFloat* power : {&R, &S}) {
                 EXPECT_EQ(power->exp, bits >> 6);
                 EXPECT_EQ(power->T[0], Word{1} << (bits & 63)) << e << ", " << k;
             }
@@ -81,7 +83,7 @@ TEST(EulerGammaLeaf, AsksForItsCapacity) {
         FAIL();
     } catch (const BufferTooSmallException& e) {
         EXPECT_EQ(e.function(), "EulerGamma_BM_AB_BSR_End()");
-        EXPECT_EQ(e.required_size(), euler_gamma_leaf_words(22, 0, 15) + 1);
+        EXPECT_EQ(e.required_size(), euler_gamma_leaf_words(22, 0, 15) + euler_gamma_leaf_spare_words);
         EXPECT_EQ(e.buffer_size(), e.required_size() - 1);
     }
 }
@@ -104,6 +106,30 @@ TEST(EulerGammaLeaf, OfTwoTermsIsTheMergeOfSingleOnes) {
                 EXPECT_TRUE(same_value(left.buffers[i], both.out[i])) << e << ", " << a << ", " << i;
                 EXPECT_EQ(left.buffers[i].hash, both.out[i].hash);
                 EXPECT_EQ(recheck(ParallelContext::sequential(), left.buffers[i]), 0u);
+            }
+        }
+    }
+}
+
+// Leaves far behind n, where the factors of a pair are as large as they come, against the merge of two: every
+// carry of the loops through the words takes part.
+TEST(EulerGammaLeaf, WithTheLargestFactorsIsTheMergeOfItsHalves) {
+    constexpr std::uint64_t end = (std::uint64_t{1} << 31) - 1;
+    for (const std::int32_t e : {0, 1, 15, 30}) {
+        for (std::uint64_t n = 2; n < 64; n++) {
+            PlannedBuffers<Series> left({400, 0});
+            PlannedBuffers<Series> right({400, 0});
+            const CheckedWords scratch(nullptr, TableScratch(600, 1) / sizeof(Word) + 8);
+            const Series series(e);
+            const MultiplyContext context(ParallelContext::sequential(), &kelvara_test::shared_twiddles(),
+                                          scratch.data(), scratch.words());
+            series.leaf(context, left.buffers, end - n, end - n / 2);
+            series.leaf(context, right.buffers, end - n / 2, end);
+            Series::merge(context, left.buffers, right.buffers, false);
+            const Leaf both(e, end - n, end);
+            for (std::size_t i = 0; i < 4; i++) {
+                EXPECT_TRUE(same_value(left.buffers[i], both.out[i])) << e << ", " << n << ", " << i;
+                EXPECT_EQ(left.buffers[i].hash, both.out[i].hash);
             }
         }
     }
@@ -200,6 +226,33 @@ TEST(EulerGammaLeaf, EqualsItsDefinition) {
     }
 }
 
+// Where pairs of terms end: at the last index and the last exponent that they take, and at long leaves.
+TEST(EulerGammaLeaf, InPairsAndTermByTerm) {
+    struct Edge {
+        std::int32_t e;
+        std::uint64_t a;
+    };
+    constexpr std::uint64_t last = (std::uint64_t{1} << 31) - 1;
+    const Edge edges[] = {{0, last - 30}, {0, last - 33}, {30, 0}, {31, 0}, {30, 5}, {1, 0}, {3, 11}};
+    for (const Edge& edge : edges) {
+        for (const std::uint64_t n : {29u, 30u, 31u, 32u, 33u, 34u, 35u, 62u, 63u}) {
+            const std::uint64_t b = edge.a + n;
+            const Leaf leaf(edge.e, edge.a, b);
+            const auto expected = euler_gamma_sums(edge.e, edge.a, b, 0);
+            for (std::size_t i = 0; i < 4; i++) {
+                EXPECT_EQ(recheck(ParallelContext::sequential(), leaf.out[i]), 0u);
+                EXPECT_NE(leaf.out[i].T[leaf.out[i].L - 1], 0u);
+                EXPECT_TRUE(integer_of(leaf.out[i], 0) == expected[i])
+                    << "n = 2^" << edge.e << ", (" << edge.a << ", " << b << "], output " << i;
+            }
+        }
+    }
+    EXPECT_TRUE(sum_in_pairs(30, last));
+    EXPECT_FALSE(sum_in_pairs(30, last + 1));
+    EXPECT_FALSE(sum_in_pairs(31, 2));
+    EXPECT_FALSE(sum_in_pairs(-1, 2));
+}
+
 // Merges of every kind: of words, by transforms, before and after the largest term, with odd beginnings.
 TEST(EulerGammaMerges, EqualTheDefinition) {
     struct Range {
@@ -264,7 +317,7 @@ TEST(EulerGammaVerify, FindsAFlippedBitInEveryOutput) {
 // What an evaluation leaves, and the same from one block.
 struct Sums {
     std::vector<CheckedWords> memory;
-    std::array<BigFloat, 3> values;
+    Series::Running values;
 };
 
 Sums evaluate(const Series& series, const PsrPlan& plan, ParallelContext parallel) {
@@ -272,10 +325,9 @@ Sums evaluate(const Series& series, const PsrPlan& plan, ParallelContext paralle
     const ComputeContext context = {parallel, &kelvara_test::shared_twiddles(), nullptr, &progress};
     PsrMemory memory(context, series.SizesForPlan(plan, 0, parallel.tds), 3);
     Sums sums;
-    std::array<BigFloat, 3> running;
-    B_PSR(series, context.multiply(memory.scratch), &progress, plan, 0, memory, running[0], running[1],
-          running[2]);
-    for (std::size_t i = 0; i < 3; i++) {
+    Series::Running running;
+    B_PSR(series, context.multiply(memory.scratch), &progress, plan, 0, memory, running);
+    for (std::size_t i = 0; i < running.size(); i++) {
         sums.memory.emplace_back(nullptr, running[i].L);
         sums.values[i] = BigFloat(sums.memory.back().data(), running[i].L);
         sums.values[i].set_BigFloat(ParallelContext::sequential(), running[i], running[i].L);
@@ -296,7 +348,7 @@ TEST(EulerGammaFold, DoesNotDependOnTheTasks) {
     const auto framework = make_parallelizer("pushpool");
     for (const std::uint64_t tasks : {2u, 16u}) {
         const Sums other = evaluate(series, plan, {tasks, framework.get()});
-        for (std::size_t i = 0; i < 3; i++) {
+        for (std::size_t i = 0; i < one.values.size(); i++) {
             EXPECT_EQ(ucmp(one.values[i], other.values[i]), 0) << tasks << ", " << i;
         }
     }
@@ -304,7 +356,7 @@ TEST(EulerGammaFold, DoesNotDependOnTheTasks) {
 
 #ifdef KELVARA_HAVE_GMP
 
-// The quotient of the folded sums, T / (Q (R + Q^2)), against the one of the exact sums.
+// The quotient of the folded sums, ((P + Q) R - Q S) / (Q (R + Q^2)), against the one of the exact sums.
 TEST(EulerGammaFold, KeepsThePrecision) {
     for (const std::int32_t e : {8, 9}) {
         for (const std::uint64_t p : {150u}) {
@@ -312,10 +364,14 @@ TEST(EulerGammaFold, KeepsThePrecision) {
             const PsrPlan plan = build_psr_plan(series, p, 1.0);
             EXPECT_GT(plan.blocks.size(), 2u);
             Sums sums = evaluate(series, plan, ParallelContext::sequential());
-            const auto quotient = [p](kelvara_test::Integer Q, kelvara_test::Integer R,
-                                      kelvara_test::Integer T) {
-                kelvara_test::Integer result = T << 64 * (p - 1);
-                kelvara_test::Integer denominator = Q * (R + Q * Q);
+            // Of Q^2, Q P, R and S.
+            const auto quotient = [p](const std::array<kelvara_test::Integer, 4>& x) {
+                const auto& [D, M, R, S] = x;
+                kelvara_test::Integer result = (D + M) * R;
+                kelvara_test::Integer subtrahend = D * S;
+                mpz_sub(result.get(), result.get(), subtrahend.get());
+                result = result << 64 * (p - 1);
+                kelvara_test::Integer denominator = D * (R + D);
                 mpz_fdiv_q(result.get(), result.get(), denominator.get());
                 return result;
             };
@@ -324,8 +380,9 @@ TEST(EulerGammaFold, KeepsThePrecision) {
                 return integer_of(ExactFloatView{x.T, x.L, x.exp, 0}, 0);
             };
             const auto exact = euler_gamma_sums(e, 0, plan.terms, 0);
-            kelvara_test::Integer difference = quotient(exact[1], exact[2], exact[3]);
-            kelvara_test::Integer other = quotient(folded(0), folded(1), folded(2));
+            const auto& [P, Q, R, S] = exact;
+            kelvara_test::Integer difference = quotient({Q * Q, Q * P, R, S});
+            kelvara_test::Integer other = quotient({folded(0), folded(1), folded(2), folded(3)});
             mpz_sub(difference.get(), difference.get(), other.get());
             // In units of word p - 1 behind the point.
             EXPECT_LE(mpz_cmpabs_ui(difference.get(), 1), 0) << e << ", " << p;
@@ -345,9 +402,9 @@ TEST(EulerGammaFold, NamesABufferThatIsTooSmall) {
     const PsrBlock& last = plan.blocks.back();
     sizes.exact_words = (BSR_sizes(series, last.size, 0, 1).words & ~std::uint64_t{7}) - 8;
     PsrMemory memory(context, sizes, 3);
-    BigFloat Q, R, T;
+    Series::Running running;
     try {
-        B_PSR(series, context.multiply(memory.scratch), &progress, plan, 0, memory, Q, R, T);
+        B_PSR(series, context.multiply(memory.scratch), &progress, plan, 0, memory, running);
         FAIL();
     } catch (const BufferTooSmallException& e) {
         EXPECT_EQ(e.function(), "Series_EulerGamma_BM_AB::B_PSR()");

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "sessions/local_time.h"
+#include "platform/local_time.h"
 #include "sessions/validation_example.h"
 #include "support/console.h"
 #include "support/folder.h"

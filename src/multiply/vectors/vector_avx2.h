@@ -48,6 +48,7 @@ struct VectorAvx2 {
     static KERNEL_INLINE Real add(Real a, Real b) { return _mm256_add_pd(a, b); }
     static KERNEL_INLINE Real sub(Real a, Real b) { return _mm256_sub_pd(a, b); }
     static KERNEL_INLINE Real mul(Real a, Real b) { return _mm256_mul_pd(a, b); }
+    static KERNEL_INLINE Real div(Real a, Real b) { return _mm256_div_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
     static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm256_fmadd_pd(a, b, c); }
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm256_fmsub_pd(a, b, c); }
@@ -90,6 +91,7 @@ struct VectorAvx2 {
     }
 
     static KERNEL_INLINE Bits bits(Real x) { return _mm256_castpd_si256(x); }
+    static KERNEL_INLINE Real reals(Bits x) { return _mm256_castsi256_pd(x); }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) {
         return _mm256_set1_epi64x(static_cast<long long>(x));
     }

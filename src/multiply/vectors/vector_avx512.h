@@ -66,6 +66,7 @@ struct VectorAvx512 {
     static KERNEL_INLINE Real add(Real a, Real b) { return _mm512_add_pd(a, b); }
     static KERNEL_INLINE Real sub(Real a, Real b) { return _mm512_sub_pd(a, b); }
     static KERNEL_INLINE Real mul(Real a, Real b) { return _mm512_mul_pd(a, b); }
+    static KERNEL_INLINE Real div(Real a, Real b) { return _mm512_div_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
     static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm512_fmadd_pd(a, b, c); }
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm512_fmsub_pd(a, b, c); }
@@ -113,6 +114,7 @@ struct VectorAvx512 {
     }
 
     static KERNEL_INLINE Bits bits(Real x) { return _mm512_castpd_si512(x); }
+    static KERNEL_INLINE Real reals(Bits x) { return _mm512_castsi512_pd(x); }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) {
         return _mm512_set1_epi64(static_cast<long long>(x));
     }

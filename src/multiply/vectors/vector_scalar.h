@@ -29,6 +29,7 @@ struct VectorScalar {
     static KERNEL_INLINE Real add(Real a, Real b) { return {a.low + b.low, a.high + b.high}; }
     static KERNEL_INLINE Real sub(Real a, Real b) { return {a.low - b.low, a.high - b.high}; }
     static KERNEL_INLINE Real mul(Real a, Real b) { return {a.low * b.low, a.high * b.high}; }
+    static KERNEL_INLINE Real div(Real a, Real b) { return {a.low / b.low, a.high / b.high}; }
     // a * b + c, a * b - c, c - a * b
     static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return add(mul(a, b), c); }
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return sub(mul(a, b), c); }
@@ -66,6 +67,11 @@ struct VectorScalar {
 
     static KERNEL_INLINE Bits bits(Real x) {
         Bits r;
+        __builtin_memcpy(&r, &x, sizeof r);
+        return r;
+    }
+    static KERNEL_INLINE Real reals(Bits x) {
+        Real r;
         __builtin_memcpy(&r, &x, sizeof r);
         return r;
     }

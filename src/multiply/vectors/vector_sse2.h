@@ -24,6 +24,7 @@ struct VectorSse2 {
     static KERNEL_INLINE Real add(Real a, Real b) { return _mm_add_pd(a, b); }
     static KERNEL_INLINE Real sub(Real a, Real b) { return _mm_sub_pd(a, b); }
     static KERNEL_INLINE Real mul(Real a, Real b) { return _mm_mul_pd(a, b); }
+    static KERNEL_INLINE Real div(Real a, Real b) { return _mm_div_pd(a, b); }
     // a * b + c, a * b - c, c - a * b
     static KERNEL_INLINE Real mul_add(Real a, Real b, Real c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
     static KERNEL_INLINE Real mul_sub(Real a, Real b, Real c) { return _mm_sub_pd(_mm_mul_pd(a, b), c); }
@@ -60,6 +61,7 @@ struct VectorSse2 {
     }
 
     static KERNEL_INLINE Bits bits(Real x) { return _mm_castpd_si128(x); }
+    static KERNEL_INLINE Real reals(Bits x) { return _mm_castsi128_pd(x); }
     static KERNEL_INLINE Bits set_bits(std::uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
     static KERNEL_INLINE Bits add(Bits a, Bits b) { return _mm_add_epi64(a, b); }
     static KERNEL_INLINE Bits sub(Bits a, Bits b) { return _mm_sub_epi64(a, b); }

@@ -1,4 +1,4 @@
-#include "sessions/local_time.h"
+#include "platform/local_time.h"
 
 namespace kelvara {
 namespace {
