@@ -1,43 +1,42 @@
 #include "radix/digit_counting.h"
 
-#include <emmintrin.h>
-
 #include "multiply/instruction_levels.h"
-#include "multiply/vectors/inline.h"
-#include "radix/digit_counting_kernel.h"
+#include "platform/processor_features.h"
 #include "radix/digit_counting_levels.h"
 
+namespace qmp::radix {
 namespace {
 
-// Every x86-64 processor has these.
-struct Bytes128 {
-    using Vector = __m128i;
-    static constexpr std::uint64_t bytes = 16;
+// Four counters of each value: an increment need not wait for the one before it.
+std::uint64_t count_bytes(std::uint64_t* counts, const char* values, std::uint64_t n, std::uint32_t radix) {
+    std::uint64_t found[4][256] = {};
+    const std::uint64_t counted = n / 4 * 4;
+    for (std::uint64_t i = 0; i < counted; i += 4) {
+        for (std::uint64_t k = 0; k < 4; ++k) ++found[k][static_cast<unsigned char>(values[i + k])];
+    }
+    for (std::uint32_t v = 0; v < radix; ++v)
+        counts[v] += found[0][v] + found[1][v] + found[2][v] + found[3][v];
+    return counted;
+}
 
-    static KERNEL_INLINE Vector zero() { return _mm_setzero_si128(); }
-    static KERNEL_INLINE Vector all(int v) { return _mm_set1_epi8(static_cast<char>(v)); }
-    static KERNEL_INLINE Vector load(const char* p) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+CountVectors count_vectors() {
+    switch (current_level()) {
+        case InstructionLevel::avx512:
+            return count_vectors_avx512;
+        case InstructionLevel::avx2:
+            return count_vectors_avx2;
+        case InstructionLevel::scalar:
+            return count_bytes;
+        default:
+            // The level SSE2 has no more than its name says.
+            return processor_features().ssse3 ? count_vectors_sse4 : count_bytes;
     }
-    static KERNEL_INLINE Vector equal(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
-    static KERNEL_INLINE Vector subtract(Vector a, Vector b) { return _mm_sub_epi8(a, b); }
-    static KERNEL_INLINE std::uint64_t sum(Vector v) {
-        const __m128i sums = _mm_sad_epu8(v, zero());
-        return static_cast<std::uint64_t>(_mm_cvtsi128_si64(sums)) +
-               static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_srli_si128(sums, 8)));
-    }
-};
+}
 
 }  // namespace
 
-namespace qmp::radix {
-
-const CountVectors count_vectors_sse2 = count_vectors<Bytes128>;
-
 void count_digits(DigitCounts& counts, const char* values, std::uint64_t n, std::uint32_t radix) {
-    const bool wide = current_level() <= InstructionLevel::avx2;
-    const std::uint64_t counted =
-        (wide ? count_vectors_avx2 : count_vectors_sse2)(counts.data(), values, n, radix);
+    const std::uint64_t counted = count_vectors()(counts.data(), values, n, radix);
     for (std::uint64_t i = counted; i < n; ++i) {
         const auto v = static_cast<unsigned char>(values[i]);
         if (v < radix) ++counts[v];

@@ -9,7 +9,9 @@ namespace qmp::radix {
 using CountVectors = std::uint64_t (*)(std::uint64_t* counts, const char* values, std::uint64_t n,
                                        std::uint32_t radix);
 
-extern const CountVectors count_vectors_sse2;
+// Needs SSSE3.
+extern const CountVectors count_vectors_sse4;
 extern const CountVectors count_vectors_avx2;
+extern const CountVectors count_vectors_avx512;
 
 }  // namespace qmp::radix

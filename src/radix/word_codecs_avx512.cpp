@@ -1,6 +1,8 @@
 // GCC 12 takes the deliberately undefined pass-through operands of its own AVX-512 intrinsics for errors.
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 
 // The word codecs with 512-bit vectors.
 #include <immintrin.h>
