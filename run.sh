@@ -19,7 +19,7 @@ build() {
 }
 
 "$root/tools/setup-debian.sh" build || fail "the machine could not be set up."
-echo "Building Kelvara (a minute or two the first time)..."
+echo "Building Kelvara (some minutes the first time)..."
 (cd "$root" && build)
 
 if [ $# -eq 0 ]; then
