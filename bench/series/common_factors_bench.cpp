@@ -17,6 +17,8 @@
 #include "platform/timers.h"
 #include "series/bsr_engine.h"
 #include "series/bss_p2b3_type0.h"
+#include "series/psr_plan.h"
+#include "series/series_sizes.h"
 #include "support/workspace.h"
 
 namespace {
@@ -32,9 +34,7 @@ struct Candidate {
 void measure(const std::string& name, const qmp::BSS_P2B3_Type0& series, std::uint64_t a, std::uint64_t terms,
              int repetitions) {
     const std::uint64_t b = a + terms;
-    const double size =
-        (series.SizeAtIndex(static_cast<double>(b)) - series.SizeAtIndex(static_cast<double>(a))) / 44.3614;
-    const auto words = static_cast<std::uint64_t>(2 * size) + 64 * 64;
+    const std::uint64_t words = qmp::BSR_sizes(series, qmp::psr_size(series, a, b), 0, 1).words;
     const bench::Workspace workspace(words, 1);
     const bench::AlignedWords memory(4 * words);
     std::vector<Candidate> candidates = {{{128, 0}},   {{128, 512}},  {{64, 1024}},  {{128, 1024}},
