@@ -19,6 +19,15 @@ std::string captured(void (*print)()) {
     return testing::internal::GetCapturedStdout();
 }
 
+// A start whose times are whole, so that adding to them and subtracting again is exact: the
+// times of a test program that has run for a while would lose the last bits asserted below.
+qmp::CpuTimePoint a_start() {
+    qmp::CpuTimePoint start = qmp::cpu_now();
+    start.user = 16.0;
+    start.kernel = 2.0;
+    return start;
+}
+
 qmp::CpuTimePoint after(const qmp::CpuTimePoint& start, double user, double kernel) {
     qmp::CpuTimePoint end = qmp::cpu_now();
     while (qmp::seconds_between(end.wall, start.wall) <= 0.0) end = qmp::cpu_now();
@@ -28,7 +37,7 @@ qmp::CpuTimePoint after(const qmp::CpuTimePoint& start, double user, double kern
 }
 
 TEST(Utilization, IsAShareOfTheWallTime) {
-    const qmp::CpuTimePoint start = qmp::cpu_now();
+    const qmp::CpuTimePoint start = a_start();
     const qmp::CpuTimePoint end = after(start, 3.0, 1.5);
     const double wall = qmp::seconds_between(end.wall, start.wall);
     const Utilization utilization = Utilization::between(start, end, 4);
@@ -39,7 +48,7 @@ TEST(Utilization, IsAShareOfTheWallTime) {
 }
 
 TEST(Utilization, WithoutUserTimeIsTooFastToMeasure) {
-    const qmp::CpuTimePoint start = qmp::cpu_now();
+    const qmp::CpuTimePoint start = a_start();
     EXPECT_FALSE(Utilization::between(start, after(start, 0.0, 1.0), 2).measured);
     EXPECT_FALSE(Utilization::between(start, start, 0).measured);
     EXPECT_EQ(Utilization::between(start, start, 0).cores, 1u);
