@@ -23,9 +23,10 @@ define_property(TARGET PROPERTY KELVARA_TEST_CODE INITIALIZE_FROM_VARIABLE KELVA
 if(KELVARA_SANITIZE)
   # The sanitizers look at what is tested. The tests' own code, which takes them most of the build, goes with
   # less: little optimisation, no checks of undefined behaviour, and warnings as the other builds see them.
+  # Their reports need lines, not variables.
   set(kelvara_is_test "$<BOOL:$<TARGET_PROPERTY:KELVARA_TEST_CODE>>")
   target_compile_options(kelvara_options INTERFACE
-    -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g
+    -fsanitize=${KELVARA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1
     "$<${kelvara_is_test}:-O1;-fno-sanitize=undefined;-Wno-error>")
   target_link_options(kelvara_options INTERFACE -fsanitize=${KELVARA_SANITIZE})
 endif()
