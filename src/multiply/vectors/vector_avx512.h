@@ -76,6 +76,14 @@ struct VectorAvx512 {
     static KERNEL_INLINE Real round(Real x) {
         return _mm512_roundscale_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
     }
+    // a * b, rounded once, to the nearest integer for |a * b| <= 2^51, and to the nearest even one for
+    // |a * b| <= 2^52: a multiply-add, and an addition instead of the two operations of round().
+    static KERNEL_INLINE Real rounded_product(Real a, Real b) {
+        return sub(mul_add(a, b, set(0x1.8p52)), set(0x1.8p52));
+    }
+    static KERNEL_INLINE Real rounded_long_product(Real a, Real b) {
+        return sub(mul_add(a, b, set(0x1.8p53)), set(0x1.8p53));
+    }
 
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) {
@@ -130,15 +138,6 @@ struct VectorAvx512 {
     static KERNEL_INLINE Bits shift_right(Bits a) {
         return _mm512_srli_epi64(a, Count);
     }
-    // Signed, towards minus infinity.
-    template <int Count>
-    static KERNEL_INLINE Bits signed_shift_right(Bits a) {
-        return _mm512_srai_epi64(a, Count);
-    }
-    // The lower halves of products.
-    static KERNEL_INLINE Bits mul(Bits a, Bits b) { return _mm512_mullo_epi64(a, b); }
-    // Integers in doubles to integers.
-    static KERNEL_INLINE Bits to_integers(Real x) { return _mm512_cvtpd_epi64(x); }
     // Fixes where a value is computed: compilers otherwise put off sums until registers run out.
     static KERNEL_INLINE void pin(Real& x) { asm("" : "+v"(x)); }
     static KERNEL_INLINE void pin(Bits& x) { asm("" : "+v"(x)); }

@@ -60,6 +60,14 @@ struct VectorFma4 {
     static KERNEL_INLINE Real round(Real x) {
         return _mm_round_pd(x, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
     }
+    // a * b, rounded once, to the nearest integer for |a * b| <= 2^51, and to the nearest even one for
+    // |a * b| <= 2^52: a multiply-add, and an addition instead of the two operations of round().
+    static KERNEL_INLINE Real rounded_product(Real a, Real b) {
+        return sub(mul_add(a, b, set(0x1.8p52)), set(0x1.8p52));
+    }
+    static KERNEL_INLINE Real rounded_long_product(Real a, Real b) {
+        return sub(mul_add(a, b, set(0x1.8p53)), set(0x1.8p53));
+    }
 
     // Lane order reversed.
     static KERNEL_INLINE Real reverse(Real x) { return _mm_permute_pd(x, 1); }

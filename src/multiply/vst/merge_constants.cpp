@@ -41,8 +41,6 @@ class Number {
         increment();
         return -static_cast<std::int64_t>(unit - low);
     }
-    // What is left, modulo 2^64.
-    std::uint64_t lowest_word() const { return words_[0]; }
     // All that is left; a double must hold it.
     double rest() const {
         for (std::size_t i = 1; i < words_.size(); ++i) {
@@ -91,16 +89,6 @@ void take_limbs(Number& number, double* limbs, std::uint32_t primes, std::uint32
     }
 }
 
-void take_wide_limbs(Number number, std::uint64_t* limbs, double* rounded, std::uint32_t primes) {
-    const std::uint32_t topmost = 2 * wide_limbs_per_piece(primes);
-    for (std::uint32_t limb = 0; limb < topmost; ++limb) {
-        const std::int64_t value = number.take_limb(wide_limb_width(primes));
-        limbs[limb] = static_cast<std::uint64_t>(value);
-        rounded[limb] = static_cast<double>(value);
-    }
-    limbs[topmost] = number.lowest_word();
-}
-
 ConversionConstants make_constants(const std::array<Prime, most_primes>& table, std::uint32_t primes) {
     ConversionConstants constants{};
     MergeConstants& merge = constants.merge;
@@ -118,11 +106,9 @@ ConversionConstants make_constants(const std::array<Prime, most_primes>& table, 
             if (k != i) cofactor.multiply(table[k].value);
         }
         constants.cofactor_inverse[i] = power(cofactor.modulo(prime), prime - 2, prime);
-        take_wide_limbs(cofactor, merge.wide_cofactor[i], merge.wide_cofactor_rounded[i], primes);
         take_limbs(cofactor, merge.cofactor[i], primes, primes - 1);
         merge.cofactor[i][primes - 1] = cofactor.rest();
     }
-    take_wide_limbs(product, merge.wide_product, merge.wide_product_rounded, primes);
     take_limbs(product, merge.product, primes, primes);
     merge.product[primes] = product.rest() * 0x1p48;
     return constants;
@@ -165,30 +151,10 @@ void check_merge(const MergeConstants& constants) {
     }
 }
 
-void check_wide_merge(const MergeConstants& constants) {
-    const std::uint32_t primes = constants.primes;
-    const double most_turns = (primes + 1) / 2;
-    const double unit = std::ldexp(1.0, static_cast<int>(wide_limb_width(primes)));
-    for (std::uint32_t limb = 0; limb < 2 * wide_limbs_per_piece(primes); ++limb) {
-        const double turns = most_turns * std::abs(constants.wide_product_rounded[limb]);
-        double upper = turns;
-        for (std::uint32_t i = 0; i < primes; ++i) {
-            upper += (constants.prime[i] / 2 + 1) * std::abs(constants.wide_cofactor_rounded[i][limb]);
-        }
-        require(upper < unit * 0x1p51 * slack, "sums of upper parts stay inside the magic number's range");
-        // Roundings of the sum, of the limbs to doubles, and upper parts and carries that are added.
-        const bool turns_inside = wide_limb_width(primes) == 60;
-        const double lower =
-            (primes + turns_inside) * 0.5 * unit + (turns_inside ? 0 : turns) + upper * 0x1p-53 + 0x1p53;
-        require(2 * lower < 0x1p63 * slack, "sums of two limbs are 64-bit integers");
-    }
-}
-
 ConversionConstants checked_constants(std::uint32_t primes, std::uint32_t multiplier_index) {
     const ConversionConstants constants = make_constants(prime_table[multiplier_index], primes);
     for (std::uint32_t i = 0; i < primes; ++i) check_reduce(constants.reduce[i]);
     check_merge(constants.merge);
-    check_wide_merge(constants.merge);
     return constants;
 }
 

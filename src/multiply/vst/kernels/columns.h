@@ -241,7 +241,7 @@ class InverseStages {
         z2_ = difference_;
     }
     KERNEL_INLINE void three(std::uint64_t i) {
-        m_.begin(z2_, w_.top(i), product2_);
+        m_.begin_long(z2_, w_.top(i), product2_);
         m_.begin(z3_, w_.top(i), product3_);
     }
     KERNEL_INLINE void four(std::uint64_t i) {

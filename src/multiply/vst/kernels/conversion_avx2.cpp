@@ -1,9 +1,8 @@
 #include "multiply/vectors/vector_avx2.h"
 #include "multiply/vst/kernels/conversion_set.h"
-#include "multiply/vst/kernels/double_limbs.h"
 
 namespace qmp::vst {
 
-constexpr ConversionKernels conversion_avx2 = conversion_set<VectorAvx2, DoubleLimbs>();
+constexpr ConversionKernels conversion_avx2 = conversion_set<VectorAvx2>();
 
 }  // namespace qmp::vst

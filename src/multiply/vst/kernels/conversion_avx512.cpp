@@ -4,10 +4,9 @@
 
 #include "multiply/vectors/vector_avx512.h"
 #include "multiply/vst/kernels/conversion_set.h"
-#include "multiply/vst/kernels/integer_limbs.h"
 
 namespace qmp::vst {
 
-constexpr ConversionKernels conversion_avx512 = conversion_set<VectorAvx512, IntegerLimbs>();
+constexpr ConversionKernels conversion_avx512 = conversion_set<VectorAvx512>();
 
 }  // namespace qmp::vst

@@ -1,9 +1,8 @@
 #include "multiply/vectors/vector_fma4.h"
 #include "multiply/vst/kernels/conversion_set.h"
-#include "multiply/vst/kernels/double_limbs.h"
 
 namespace qmp::vst {
 
-constexpr ConversionKernels conversion_fma4 = conversion_set<VectorFma4, DoubleLimbs>();
+constexpr ConversionKernels conversion_fma4 = conversion_set<VectorFma4>();
 
 }  // namespace qmp::vst

@@ -1,10 +1,9 @@
 #include "multiply/vectors/vector_scalar.h"
 #include "multiply/vst/kernels/conversion_set.h"
-#include "multiply/vst/kernels/double_limbs.h"
 #include "multiply/vst/kernels/fused.h"
 
 namespace qmp::vst {
 
-constexpr ConversionKernels conversion_scalar = conversion_set<Fused<VectorScalar>, DoubleLimbs>();
+constexpr ConversionKernels conversion_scalar = conversion_set<Fused<VectorScalar>>();
 
 }  // namespace qmp::vst

@@ -71,10 +71,6 @@ class DoubleLimbs {
     static KERNEL_INLINE Bits carry_of(Bits limb) {
         return V::template shift_right<Width>(limb);
     }
-    static constexpr bool stores_rows = false;
-    // Limbs are stored as they are.
-    static constexpr std::uint64_t store_step = 6;
-    static KERNEL_INLINE void pack(Bits (&)[piece]) {}
 
     static KERNEL_INLINE void form(const qmp::vst::MergeConstants& constants, const double* residues,
                                    std::uint64_t prime_stride, Bits (&low)[piece], Bits (&middle)[piece],
@@ -93,7 +89,7 @@ class DoubleLimbs {
         for (std::uint32_t i = 0; i < Primes; ++i) {
             const Real x = V::load(residues + i * prime_stride);
             const Real inverse = V::set(constants.inverse[i]);
-            t[i] = V::neg_mul_add(V::round(V::mul(x, inverse)), V::set(constants.prime[i]), x);
+            t[i] = V::neg_mul_add(V::rounded_product(x, inverse), V::set(constants.prime[i]), x);
             turns = i == 0 ? V::mul(t[i], inverse) : V::mul_add(t[i], inverse, turns);
         }
         return turns;

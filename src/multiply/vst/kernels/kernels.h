@@ -64,16 +64,6 @@ constexpr std::uint32_t limb_width(std::uint32_t primes, std::uint32_t limb) {
 }
 constexpr std::uint32_t most_limbs = most_primes + 1;
 
-// Where processors multiply 64-bit integers in vectors, fewer and wider limbs do: all of one width in the
-// two pieces, and the topmost one for all above them.
-constexpr std::uint32_t wide_limbs_per_piece(std::uint32_t primes) {
-    return (24 * (primes - 1) + 59) / 60;
-}
-constexpr std::uint32_t wide_limb_width(std::uint32_t primes) {
-    return 24 * (primes - 1) / wide_limbs_per_piece(primes);
-}
-constexpr std::uint32_t most_wide_limbs = 2 * wide_limbs_per_piece(most_primes) + 1;
-
 constexpr std::uint64_t spill_words = 4;
 
 // Of one set of primes; P their product. Numbers as balanced limbs (|limb| <= 2^(width - 1), but the
@@ -86,11 +76,6 @@ struct MergeConstants {
     // P; its topmost limb is balanced too, and product[primes] is the rest, at the topmost limb's position
     // (a multiple of 2^48).
     double product[most_limbs];
-    // In wide limbs, as signed integers (the topmost ones modulo 2^64) and rounded to doubles.
-    std::uint64_t wide_cofactor[most_primes][most_wide_limbs];
-    double wide_cofactor_rounded[most_primes][most_wide_limbs];
-    std::uint64_t wide_product[most_wide_limbs];
-    double wide_product_rounded[most_wide_limbs];
 };
 
 // Residue i of element (r, j) at residues[i * prime_stride + r * row_stride + j], |residue| <= 5.5: the

@@ -101,7 +101,7 @@ class ForwardLayers {
         step(data, l, bits, b, 1, low);
         const std::uint64_t part = steps_.part(l, bits);
         for (std::uint64_t i = 0; i < std::uint64_t{1} << bits; ++i) {
-            run(data + i * part, l + bits, (b << bits) + i, low_after(l, bits, low));
+            run(data + i * part, l + bits, (b << bits) + i, low_after(l, low));
         }
     }
 
@@ -111,22 +111,20 @@ class ForwardLayers {
     }
 
   private:
-    bool low_after(int l, int bits, bool low) const { return bits == 2 && !low && !steps_.trivial(l); }
-    // A single layer leaves it to the two that follow, where it takes half as many operations.
-    bool reduces(int l, int bits, bool low) const { return !low && (bits == 2 || steps_.last(l, bits)); }
+    bool low_after(int l, bool low) const { return !low && !steps_.trivial(l); }
 
     void run_cached(double* data, int l, std::uint64_t first, std::uint64_t count, bool low) const {
         while (l < steps_.layers.layers) {
             const int bits = steps_.bits(l);
             step(data, l, bits, first, count, low);
-            low = low_after(l, bits, low);
+            low = low_after(l, low);
             l += bits;
             first <<= bits;
             count <<= bits;
         }
     }
     void step(double* data, int l, int bits, std::uint64_t first, std::uint64_t count, bool low) const {
-        const bool reduce = reduces(l, bits, low);
+        const bool reduce = !low;
         if (steps_.trivial(l)) {
             forward_trivial<V>(data, steps_.part(l, 2), steps_.layers.factors, m_);
         } else if (bits == 2) {

@@ -17,12 +17,13 @@ KERNEL_INLINE UnitRoots<V> unit_roots(const qmp::vst::LeafBase& base, const Modu
             m.factor(V::set(base.nodes[7]))};
 }
 
-// The twist of a block; coefficient 0 has the factor 1.
-template <typename V>
+// The twist of a block; coefficient 0 has the factor 1. `Long`: numbers of up to 8 instead of 4.
+template <typename V, bool Long>
 KERNEL_INLINE void twist_block(typename V::Real (&x)[V::lanes], const double* record, const Modulus<V>& m) {
     for (int k = 1; k < V::lanes; ++k) {
         const double* at = record + (k - 1) * 2 * V::lanes;
-        x[k] = m.multiply(x[k], Factor<V>{V::load(at), V::load(at + V::lanes)});
+        const Factor<V> w{V::load(at), V::load(at + V::lanes)};
+        x[k] = Long ? m.multiply_long(x[k], w) : m.multiply(x[k], w);
     }
 }
 template <typename V>
@@ -84,7 +85,7 @@ KERNEL_FUNCTION void twist_forward(double* data, std::uint64_t points, const dou
     for_blocks<V>(data, points, [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA {
         V::transpose(x);
         x[0] = m.reduce(x[0]);
-        twist_block<V>(x, record, m);
+        twist_block<V, false>(x, record, m);
         record += twist_record<V>;
     });
 }
@@ -94,7 +95,7 @@ KERNEL_FUNCTION void twist_inverse(double* data, std::uint64_t points, const dou
                                    const qmp::vst::PrimeModulus& modulus) {
     const Modulus<V> m = modulus_of<V>(modulus);
     for_blocks<V>(data, points, [&](typename V::Real(&x)[V::lanes]) KERNEL_INLINE_LAMBDA {
-        twist_block<V>(x, record, m);
+        twist_block<V, true>(x, record, m);
         record += twist_record<V>;
         V::transpose(x);
     });

@@ -45,7 +45,7 @@ void scale(double* products, const double* x, double y, std::uint64_t count,
 template <typename V>
 KERNEL_INLINE void store_factors(double* values, double* quotients, const double* base, const Factor<V>& rho,
                                  const Modulus<V>& m) {
-    const Factor<V> w = m.factor(m.multiply(V::load(base), rho));
+    const Factor<V> w = m.factor(m.reduce(m.multiply(V::load(base), rho)));
     V::store(values, w.value);
     V::store(quotients, w.quotient);
 }

@@ -2,7 +2,7 @@
 //
 // 1. The coefficient of each point (lanes are neighbouring points) as a sum of limbs, each a signed number
 //    a few bits longer than its width, in its position: the sum of t(i) * P / prime[i], less the multiple of
-//    P next to it (double_limbs.h, integer_limbs.h).
+//    P next to it (double_limbs.h).
 // 2. The pieces of neighbouring points are added where they overlap, before any carry: limb r of a point
 //    receives limb r of its own coefficient, limb r of the middle piece of the point before and, r being 0,
 //    the high piece of the one before that.
@@ -72,9 +72,14 @@ class TileMerger {
         V::store(row.carry, before.carry);
     }
 
+    // Limbs of 48 bits each, where there are instructions that pack them.
+    static constexpr bool stores_vectors =
+        Limbs::primes % 2 != 0 && requires(unsigned char* out, const Bits(&point)[piece]) {
+            V::template store_limbs<piece>(out, point);
+        };
+
     KERNEL_INLINE void merge_vector(const double* residues, [[maybe_unused]] unsigned char* out,
-                                    [[maybe_unused]] std::uint64_t column, Before& before,
-                                    [[maybe_unused]] Row& row) {
+                                    std::uint64_t column, Before& before, [[maybe_unused]] Row& row) {
         Bits point[piece], middle[piece], high;
         Limbs::form(constants_, residues, tile_.prime_stride, point, middle, high);
         note_size(middle[piece - 1], high);
@@ -93,10 +98,9 @@ class TileMerger {
         point[0] = V::add(V::bit_and(point[0], V::set_bits(mask)), V::shift_one_lane(before.carry, carry));
         if (__builtin_expect(V::any(point[0], V::set_bits(~mask)), 0)) settle(point, carry);
         before.carry = carry;
-        if constexpr (Limbs::stores_rows) {
-            Limbs::store_row(out, point);
+        if constexpr (stores_vectors) {
+            V::template store_limbs<piece>(out + column * point_bytes, point);
         } else {
-            Limbs::pack(point);
             KERNEL_UNROLL(4)
             for (std::uint32_t i = 0; i < piece; ++i) V::store(row.point[i] + column, point[i]);
         }
@@ -166,19 +170,19 @@ class TileMerger {
 
     KERNEL_INLINE void store_row(std::uint64_t r) const {
         const Row& row = rows_[r % 2];
-        if constexpr (!Limbs::stores_rows) store_bytes(tile_.out + r * tile_.out_stride, row);
+        if constexpr (!stores_vectors) store_bytes(tile_.out + r * tile_.out_stride, row);
         store_spill(tile_.spills + r * tile_.spill_stride, row);
     }
 
     // In ascending order: what a store writes beyond its limb is overwritten by the next.
     static KERNEL_INLINE void store_bytes(unsigned char* out, const Row& row) {
-        constexpr std::uint64_t last_bytes = point_bytes - (piece - 1) * Limbs::store_step;
+        constexpr std::uint64_t last_bytes = point_bytes - 6 * (piece - 1);
         KERNEL_UNROLL(8)
         for (std::uint64_t j = 0; j < columns; ++j) {
             KERNEL_UNROLL(4)
             for (std::uint32_t i = 0; i < piece; ++i) {
                 const bool last = j == columns - 1 && i == piece - 1;
-                __builtin_memcpy(out + j * point_bytes + i * Limbs::store_step, &row.point[i][j],
+                __builtin_memcpy(out + j * point_bytes + 6 * i, &row.point[i][j],
                                  last ? last_bytes : 8);
             }
         }

@@ -34,6 +34,7 @@ struct OuterStep {
         }
         const Real first = x[0];
         for (int k = 0; k < half; ++k) x[0] = V::add(x[0], s[k]);
+        if constexpr (!Inverse && M > 3) x[0] = m.reduce(x[0]);
         for (int j = 1; j <= half; ++j) {
             Real even = first, odd = V::set(0);
             for (int k = 1; k <= half; ++k) {
@@ -43,6 +44,7 @@ struct OuterStep {
                 const Real t = m.multiply(d[k - 1], differences[folded - 1]);
                 odd = (e <= half) ? V::add(odd, t) : V::sub(odd, t);
             }
+            if constexpr (!Inverse && M > 5) even = m.reduce(even);
             x[Inverse ? M - j : j] = V::add(even, odd);
             x[Inverse ? j : M - j] = V::sub(even, odd);
         }

@@ -1,8 +1,8 @@
 // One or two layers of the transform in registers.
 //
-// Twiddle(layer, node) gives the factor of a node of the small tree. Forward, two layers: inputs at most 6.02
-// with `Reduce`, outputs then at most 3; inputs at most 3 without, outputs then at most 4.9. One layer:
-// NUMERICS.md. Inverse: inputs and outputs at most 1.8. All in units of the prime.
+// Twiddle(layer, node) gives the factor of a node of the small tree. Forward: "high" inputs with `Reduce`,
+// outputs are "low" then, or low inputs without, and outputs are high then; NUMERICS.md has the numbers.
+// Inverse: inputs and outputs at most 1.8. All in units of the prime.
 #pragma once
 
 #include "multiply/vst/kernels/modular.h"
@@ -49,7 +49,7 @@ KERNEL_INLINE void inverse_first(typename V::Real (&x)[4], const Modulus<V>& m, 
 template <typename V, typename Twiddle>
 KERNEL_INLINE void inverse_second(typename V::Real (&x)[4], const Modulus<V>& m, const Twiddle& twiddle) {
     const Factor<V> w = twiddle(0, 0);
-    m.inverse_step(x[0], x[2], w);
+    m.inverse_long_step(x[0], x[2], w);
     m.inverse_step(x[1], x[3], w);
     x[0] = m.reduce(x[0]);
 }

@@ -35,7 +35,7 @@ void reduce(double* residues, const double* chunks, std::uint64_t rows,
             sum = next;
         }
         const Real high = V::sub(sum, magic);
-        const Real quotient = V::round(V::mul(V::add(high, low), inverse));
+        const Real quotient = V::rounded_product(V::add(high, low), inverse);
         V::store(residues + i, V::add(V::neg_mul_add(quotient, prime, high), low));
     }
 }

@@ -75,7 +75,7 @@ KERNEL_INLINE void unit_inverse(typename V::Real (&x)[8], const Modulus<V>& m, c
     x[0] = m.reduce(x[0]);
     cross<V>(x[0], x[2]);
     cross<V>(x[1], x[3]);
-    m.inverse_step(x[4], x[6], w.fourth);
+    m.inverse_long_step(x[4], x[6], w.fourth);
     m.inverse_step(x[5], x[7], w.fourth);
     x[4] = m.reduce(x[4]);
     cross<V>(x[0], x[4]);
