@@ -7,6 +7,7 @@
 // (passes.h) by walking over a few columns twice, a layer at a time.
 #pragma once
 
+#include "multiply/vst/kernels/kernels.h"
 #include "multiply/vst/kernels/radix.h"
 #include "multiply/vst/kernels/transform_kernels.h"
 
@@ -109,8 +110,8 @@ struct Source : Parts<const double> {
     std::uint64_t ahead;
 };
 
-// Where it leaves them; `Past`: past the caches.
-template <typename V, bool Past = false>
+// Where it leaves them; `Past`: past the caches. `Next`: the vectors a tile further on are called for.
+template <typename V, bool Past = false, bool Next = false>
 struct Target : Parts<double> {
     KERNEL_INLINE Target(double* data, std::uint64_t step) : Parts{data, step} {}
     KERNEL_INLINE Target node(std::uint64_t c) const {
@@ -120,7 +121,11 @@ struct Target : Parts<double> {
         if constexpr (Past) {
             V::stream((*this)(k, column), x);
         } else {
-            V::store((*this)(k, column), x);
+            double* to = (*this)(k, column);
+            V::store(to, x);
+            if constexpr (Next) {
+                if (column % 8 == 0) __builtin_prefetch(to + qmp::vst::tile_columns, 1, 2);
+            }
         }
     }
 };

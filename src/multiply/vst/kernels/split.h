@@ -21,6 +21,14 @@ struct RowSplitter {
         return left >= 6 ? 6 : left > 0 ? left : 0;
     }
 
+    // The next tile's part of the same row is called for: rows are too far apart for the processor to see it.
+    static KERNEL_INLINE void call_for_next(const unsigned char* source) {
+        KERNEL_UNROLL(16)
+        for (std::uint64_t i = 0; i < columns * point_bytes; i += 64) {
+            __builtin_prefetch(source + columns * point_bytes + i, 0, 2);
+        }
+    }
+
     // A row of points, all loads inside the buffer.
     static KERNEL_INLINE void run(double* target, std::uint64_t chunk_stride, const unsigned char* source) {
         KERNEL_UNROLL(4)
@@ -67,6 +75,7 @@ void split(double* chunks, const qmp::vst::SplitTile& tile) {
         const std::uint64_t position = (tile.first_point + r * tile.row_points) * Row::point_bytes;
         const std::uint64_t left = position < tile.operand_bytes ? tile.operand_bytes - position : 0;
         if (left >= Row::row_reach) {
+            Row::call_for_next(tile.operand + position);
             Row::run(target, chunk_stride, tile.operand + position);
         } else if (left > 0) {
             Row::run_last(target, chunk_stride, tile.operand + position, left);
