@@ -55,9 +55,18 @@ class TileMerger {
         alignas(64) std::uint64_t carry[V::lanes];
     };
 
+    // Where the next tile's part of the same row will go.
+    static KERNEL_INLINE void call_for_next(const unsigned char* out) {
+        KERNEL_UNROLL(16)
+        for (std::uint64_t i = 0; i < columns * point_bytes; i += 64) {
+            __builtin_prefetch(out + columns * point_bytes + i, 1, 2);
+        }
+    }
+
     KERNEL_INLINE void merge_row(std::uint64_t r) {
         const double* residues = tile_.residues + r * tile_.row_stride;
         Row& row = rows_[r % 2];
+        call_for_next(tile_.out + r * tile_.out_stride);
         Before before;
         KERNEL_UNROLL(4)
         for (std::uint32_t i = 0; i < piece; ++i) before.middle[i] = V::set_bits(Limbs::middle_bias(i));
