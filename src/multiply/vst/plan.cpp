@@ -50,12 +50,13 @@ std::uint32_t Plan::primes_at_a_time(std::uint64_t tasks) const {
     // Tasks have to meet after every sweep.
     if (tasks > 1) return size.primes;
     // Cutting the operands into fields again for every few primes costs less than the way of their matrices
-    // to the memory and back, as long as the two matrices of one prime fit the last cache.
+    // to the memory and back, as long as the two matrices of one prime fit the last cache. For each prime alone
+    // it would cost as much.
     constexpr std::uint64_t second_cache = std::uint64_t{3} << 19, last_cache = std::uint64_t{1} << 22;
     const std::uint64_t bytes_of_prime = 2 * prime_stride * sizeof(double);
     if (bytes_of_prime > last_cache) return size.primes;
     return static_cast<std::uint32_t>(
-        std::clamp<std::uint64_t>(second_cache / bytes_of_prime, 1, size.primes));
+        std::clamp<std::uint64_t>(second_cache / bytes_of_prime, 2, size.primes));
 }
 
 std::uint64_t Plan::leaf_roots_doubles() const {
