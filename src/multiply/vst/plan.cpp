@@ -17,8 +17,8 @@ int row_layers_of(std::uint32_t exponent) {
 
 constexpr std::uint64_t row_padding = 8;
 constexpr std::uint64_t most_workspaces = 64;
-// Residues that one task should have at least: some 20 microseconds of a sweep, the time in which a thread that
-// has gone to sleep is woken. One that waits awake starts at once.
+// Residues that one task should have at least: some 20 microseconds of a sweep, the time in which a thread
+// that has gone to sleep is woken. One that waits awake starts at once.
 constexpr std::uint64_t residues_of_task = std::uint64_t{1} << 14;
 
 std::uint64_t rounded_up(std::uint64_t n) {
@@ -50,8 +50,8 @@ std::uint32_t Plan::primes_at_a_time(std::uint64_t tasks) const {
     // Tasks have to meet after every sweep.
     if (tasks > 1) return size.primes;
     // Cutting the operands into fields again for every few primes costs less than the way of their matrices
-    // to the memory and back, as long as the two matrices of one prime fit the last cache. For each prime alone
-    // it would cost as much.
+    // to the memory and back, as long as the two matrices of one prime fit the last cache. For each prime
+    // alone it would cost as much.
     constexpr std::uint64_t second_cache = std::uint64_t{3} << 19, last_cache = std::uint64_t{1} << 22;
     const std::uint64_t bytes_of_prime = 2 * prime_stride * sizeof(double);
     if (bytes_of_prime > last_cache) return size.primes;

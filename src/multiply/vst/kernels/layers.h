@@ -24,7 +24,7 @@ void copy_from_rows(const qmp::vst::MatrixRows& rows, double* data, std::uint64_
     }
 }
 
-// The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 1, outputs at most 4.
+// The first two layers of a tree of angle 0: factors 1, 1 and i. Inputs at most 0.75, outputs at most 3.
 template <typename V>
 void forward_trivial(double* data, std::uint64_t part, const qmp::vst::NodeFactors& factors,
                      const Modulus<V>& m) {

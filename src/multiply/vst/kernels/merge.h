@@ -83,9 +83,9 @@ class TileMerger {
 
     // Limbs of 48 bits each, where there are instructions that pack them.
     static constexpr bool stores_vectors =
-        Limbs::primes % 2 != 0 && requires(unsigned char* out, const Bits(&point)[piece]) {
-            V::template store_limbs<piece>(out, point);
-        };
+        Limbs::primes % 2 != 0 && requires(unsigned char* out, const Bits (&point)[piece]) {
+        V::template store_limbs<piece>(out, point);
+    };
 
     KERNEL_INLINE void merge_vector(const double* residues, [[maybe_unused]] unsigned char* out,
                                     std::uint64_t column, Before& before, [[maybe_unused]] Row& row) {
@@ -191,8 +191,7 @@ class TileMerger {
             KERNEL_UNROLL(4)
             for (std::uint32_t i = 0; i < piece; ++i) {
                 const bool last = j == columns - 1 && i == piece - 1;
-                __builtin_memcpy(out + j * point_bytes + 6 * i, &row.point[i][j],
-                                 last ? last_bytes : 8);
+                __builtin_memcpy(out + j * point_bytes + 6 * i, &row.point[i][j], last ? last_bytes : 8);
             }
         }
     }

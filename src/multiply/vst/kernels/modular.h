@@ -67,7 +67,7 @@ struct Modulus {
     KERNEL_INLINE Real end(const Product<V>& product) const {
         return V::add(V::neg_mul_add(product.quotient, prime, product.high), product.low);
     }
-    // x * y for |x y| < 4: at most 1.75.
+    // x * y for |x y| <= 2.9: at most 1.75.
     KERNEL_INLINE Real multiply(Real x, Real y) const {
         const Real high = V::mul(x, y);
         const Real low = V::mul_sub(x, y, high);

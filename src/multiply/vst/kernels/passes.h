@@ -182,13 +182,13 @@ KERNEL_FUNCTION void forward_pass_to(double* first_row, std::uint64_t stride, do
     const Modulus<V> m = modulus;
     if constexpr (Log == 2 && !has_pipeline<V>) {
         forward_walks<V, Reduce>(Source<V>(data, part),
-                                 Target<V, Past, !Past>(first_row + (first << Log) * stride, stride), data, part, l,
-                                 first, count, factors, m);
+                                 Target<V, Past, !Past>(first_row + (first << Log) * stride, stride), data,
+                                 part, l, first, count, factors, m);
     } else {
         for (std::uint64_t b = first; b < first + count; ++b, data += part << Log) {
             forward_node<V, Log, Reduce>(Source<V>(data, part),
-                                         Target<V, Past, !Past>(first_row + (b << Log) * stride, stride), part, m,
-                                         StepFactors<V, Log>(factors, l, b));
+                                         Target<V, Past, !Past>(first_row + (b << Log) * stride, stride),
+                                         part, m, StepFactors<V, Log>(factors, l, b));
         }
     }
     if constexpr (Past) V::fence();

@@ -38,7 +38,7 @@ struct Layers {
     std::uint64_t unit;
     int layers;
     NodeFactors factors;  // the inverses for the way back
-    // The top has angle 0 and the inputs are at most 1: factors 1, 1 and the square root of -1.
+    // The top has angle 0 and the inputs are at most 0.75: factors 1, 1 and the square root of -1.
     bool trivial_top;
     // Where the blocks go with the last step down, or come from with the first one back.
     MatrixRows rows = {};
@@ -60,11 +60,12 @@ struct LeafBase {
 struct TransformKernels {
     int log_lanes;
 
-    // Inputs at most 3 if `low`, else 4.9; outputs at most 4.9.
+    // Inputs "low" if `low`, else "high", and so are the outputs: 1.8 and 3 on levels with fused
+    // multiply-add, 2.2 and 3.7 on the others.
     void (*forward_layers)(double* data, const Layers& layers, const PrimeModulus& modulus, bool low);
     // Inputs and outputs at most 1.8.
     void (*inverse_layers)(double* data, const Layers& layers, const PrimeModulus& modulus);
-    // By multiplier / 2; block s at data + s * block. Inputs at most 0.75, outputs at most 4.5.
+    // By multiplier / 2; block s at data + s * block. Inputs at most 0.75, outputs high.
     void (*forward_outer[4])(double* data, std::uint64_t block, const OuterFactors& factors, bool negacyclic,
                              const PrimeModulus& modulus);
     // Inputs at most 1.8, outputs at most 5.5.
@@ -82,13 +83,13 @@ struct TransformKernels {
     // points are multiplied by `scale` on their way, at most 0.5.
     void (*leaf_table)(double* table, const LeafBase& base, int log_length, const double* rho,
                        std::ptrdiff_t stride, double scale, const PrimeModulus& modulus);
-    // A leaf of 2^log_length points (6 to 10): inputs at most 4.9, outputs at most 6.9.
+    // A leaf of 2^log_length points (6 to 10): inputs high, outputs at most 5.8.
     void (*leaf_forward)(double* data, const double* table, const LeafBase& base, int log_length,
                          const PrimeModulus& modulus);
     // Inputs and outputs at most 1.8.
     void (*leaf_inverse)(double* data, const double* table, const LeafBase& base, int log_length,
                          const PrimeModulus& modulus);
-    // a[i] = a[i] * b[i]. Inputs at most 6.9, outputs at most 1.8. b may be a.
+    // a[i] = a[i] * b[i]. Inputs at most 5.8, outputs at most 1.8. b may be a.
     void (*pointwise)(double* a, const double* b, std::uint64_t count, const PrimeModulus& modulus);
 };
 

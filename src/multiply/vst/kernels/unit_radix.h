@@ -20,7 +20,7 @@ KERNEL_INLINE void cross(typename V::Real& a, typename V::Real& b) {
     b = difference;
 }
 
-// Down: x[0] at most 0.51, the others at most 0.91; outputs at most 6.9.
+// Down: x[0] at most 0.51, the others at most 0.75; outputs at most 5.8.
 template <typename V>
 KERNEL_INLINE void unit_forward(typename V::Real (&x)[2], const Modulus<V>&, const UnitRoots<V>&) {
     cross<V>(x[0], x[1]);
