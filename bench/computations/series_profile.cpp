@@ -30,9 +30,10 @@ using qmp::PsrBlock;
 template <typename Series>
 class Profile {
   public:
-    Profile(const Series& series, std::uint64_t longest_product, std::uint64_t buffer_words)
+    Profile(const Series& series, std::uint64_t last, std::uint64_t longest_product,
+            std::uint64_t buffer_words)
         : series_(series),
-          factors_(qmp::common_factors(series)),
+          factors_(qmp::common_factors(series, last)),
           workspace_(longest_product, 1),
           buffer_words_(buffer_words),
           memory_(Series::buffer_count * buffer_words) {
@@ -50,7 +51,12 @@ class Profile {
         const qmp::MultiplyContext& context = workspace_.context();
         const qmp::CounterTimePoint start = qmp::now();
         const std::uint64_t first_tick = __rdtsc();
-        qmp::BSR_block(timed, context, nullptr, out, a, b, depth, factors_ ? &*factors_ : nullptr);
+        if (factors_) {
+            factors_->prepare(context, b - a);
+            times_.divisors.add(first_tick);
+        }
+        qmp::BSR_block(timed, context, nullptr, out, a, b, depth,
+                       qmp::RangeFactors(factors_ ? &*factors_ : nullptr));
         ticks_ += __rdtsc() - first_tick;
         const qmp::CounterTimePoint summed = qmp::now();
         qmp::qcb_Verify_BSR(nullptr, a, b, {out.data(), Series::output_count}, context.parallel());
@@ -69,7 +75,8 @@ class Profile {
             rest -= list.back().seconds;
         };
         add("leaves", times_.leaves);
-        add("common factors", times_.factors);
+        add("common factors, prepared", times_.divisors);
+        add("common factors, taken out", times_.factors);
         for (std::size_t k = 0; k < times_.merges.size(); ++k) {
             add("merges, Q 2^" + std::to_string(k) + " words", times_.merges[k]);
         }
@@ -102,7 +109,7 @@ template <typename Series>
 std::vector<WorkKind> profile_plan(const Series& series, std::uint64_t p, double factor = 1.0) {
     const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, factor);
     const qmp::PlanSizes sizes = series.SizesForPlan(plan, 0, 1);
-    Profile<Series> profile(series, qmp::psr_largest_product(series, plan), sizes.exact_words);
+    Profile<Series> profile(series, plan.terms, qmp::psr_largest_product(series, plan), sizes.exact_words);
     sum_blocks(profile, plan);
     return profile.kinds();
 }
@@ -121,7 +128,8 @@ std::vector<WorkKind> profile_lemniscate(const kelvara::LemniscateFormula& formu
 
 std::vector<WorkKind> profile_e(bool negative, std::uint64_t p) {
     const qmp::Series_e_Taylor series(negative);
-    Profile<qmp::Series_e_Taylor> profile(series, 2 * (p / 2 + series.size_margin),
+    Profile<qmp::Series_e_Taylor> profile(series, series.TermsForPrecision(p),
+                                          2 * (p / 2 + series.size_margin),
                                           qmp::BSR_sizes(series, p, 1, 1).words);
     profile.sum(1, series.TermsForPrecision(p), 1);
     return profile.kinds();
@@ -131,7 +139,7 @@ std::vector<WorkKind> profile_gamma(bool refined, std::uint64_t p) {
     const auto exponent = static_cast<std::int32_t>(kelvara::brent_mcmillan_exponent(p)) - (refined ? 1 : 0);
     const qmp::Series_EulerGamma_BM_AB series(exponent);
     const qmp::PsrPlan plan = qmp::build_psr_plan(series, p, 1.0);
-    Profile<qmp::Series_EulerGamma_BM_AB> profile(series, series.largest_product(plan),
+    Profile<qmp::Series_EulerGamma_BM_AB> profile(series, plan.terms, series.largest_product(plan),
                                                   series.SizesForPlan(plan, 0, 1).exact_words);
     sum_blocks(profile, plan);
     return profile.kinds();

@@ -24,7 +24,8 @@ struct WorkTimes {
         }
     };
     Kind leaves;
-    Kind factors;                 // common ones, counted and taken out
+    Kind divisors;                // common factors, prepared
+    Kind factors;                 // and taken out
     std::array<Kind, 64> merges;  // by the bit width of the words of Q, less 1
 };
 
@@ -57,14 +58,13 @@ class TimedSeries {
         times_.merges[static_cast<std::size_t>(std::bit_width(whole[1].L)) - 1].add(start);
     }
 
-    void cancel(const qmp::MultiplyContext& context, const qmp::CommonFactors& factors,
-                qmp::FactorCounts& left_counts, qmp::FactorCounts& right_counts, Buffers& left,
-                Buffers& right, std::uint64_t a, std::uint64_t m, std::uint64_t b) const requires requires {
+    void cancel(const qmp::MultiplyContext& context, const qmp::RangeFactors& factors, Buffers& left,
+                Buffers& right) const requires requires {
         &Series::cancel;
     }
     {
         const std::uint64_t start = __rdtsc();
-        series_.cancel(context, factors, left_counts, right_counts, left, right, a, m, b);
+        series_.cancel(context, factors, left, right);
         times_.factors.add(start);
     }
 

@@ -1,5 +1,5 @@
 // What it costs and saves to take common factors out of merges: the same ranges summed without it and with
-// it, up to ranges of several lengths. One task; the least of several alternating times.
+// it, on several levels. One task; the least of several alternating times.
 //
 //   common_factors_bench [terms of the range summed] [its first index] [repetitions]
 #include <algorithm>
@@ -25,9 +25,11 @@ namespace {
 
 using qmp::CommonFactors;
 
+// What to take out, and what came of it.
 struct Candidate {
-    CommonFactors::Ranges ranges;  // longest 0: nothing is taken out
+    CommonFactors::Levels levels;  // longest 0: nothing
     double seconds = INFINITY;
+    double prepared = INFINITY;  // seconds, of it before the range is summed
     std::uint64_t words = 0;
 };
 
@@ -37,29 +39,34 @@ void measure(const std::string& name, const qmp::BSS_P2B3_Type0& series, std::ui
     const std::uint64_t words = qmp::BSR_sizes(series, qmp::psr_size(series, a, b), 0, 1).words;
     const bench::Workspace workspace(words, 1);
     const bench::AlignedWords memory(4 * words);
-    std::vector<Candidate> candidates = {{{128, 0}},   {{128, 512}},  {{64, 1024}},  {{128, 1024}},
-                                         {{64, 2048}}, {{128, 2048}}, {{128, 4096}}, {{256, 8192}}};
+    std::vector<Candidate> candidates = {{{64, 1024, 0}},     {{64, 1024, 1024}},  {{32, 1024, 1024}},
+                                         {{128, 1024, 1024}}, {{64, 4096, 4096}},  {{64, 512, 8192}},
+                                         {{64, 1024, 16384}}, {{64, 2048, 16384}}, {{64, 16384, 16384}}};
     for (int i = 0; i < repetitions; i++) {
         for (Candidate& candidate : candidates) {
-            const CommonFactors factors(series.term_factors(), candidate.ranges);
+            CommonFactors factors(series.term_factors(), b, candidate.levels);
             qmp::BSS_P2B3_Type0::Buffers out;
             for (std::size_t j = 0; j < out.size(); j++)
                 out[j] = qmp::ExactFloat(memory.data() + j * words, words);
             const qmp::CounterTimePoint start = qmp::now();
+            factors.prepare(workspace.context(), terms);
+            const double prepared = qmp::seconds_between(qmp::now(), start);
             qmp::BSR_serial(series, workspace.context(), out, a, b,
-                            candidate.ranges.longest ? &factors : nullptr);
+                            candidate.levels.longest ? qmp::RangeFactors(&factors) : qmp::RangeFactors());
             candidate.seconds = std::min(candidate.seconds, qmp::seconds_between(qmp::now(), start));
+            candidate.prepared = std::min(candidate.prepared, prepared);
             candidate.words = out[1].L;
         }
     }
     for (const Candidate& candidate : candidates) {
-        std::printf("| %s | %llu | %llu - %llu | %llu | %.1f | %.3f | %.3f |\n", name.c_str(),
+        const auto ns_per_term = [&](double seconds) { return seconds / static_cast<double>(terms) * 1e9; };
+        std::printf("| %s | %llu | %llu, %llu, %llu | %llu | %.1f | %.1f | %.3f | %.3f |\n", name.c_str(),
                     static_cast<unsigned long long>(terms),
-                    static_cast<unsigned long long>(candidate.ranges.shortest),
-                    static_cast<unsigned long long>(candidate.ranges.longest),
-                    static_cast<unsigned long long>(candidate.words),
-                    candidate.seconds / static_cast<double>(terms) * 1e9,
-                    candidate.seconds / candidates[0].seconds,
+                    static_cast<unsigned long long>(candidate.levels.shortest),
+                    static_cast<unsigned long long>(candidate.levels.every),
+                    static_cast<unsigned long long>(candidate.levels.longest),
+                    static_cast<unsigned long long>(candidate.words), ns_per_term(candidate.seconds),
+                    ns_per_term(candidate.prepared), candidate.seconds / candidates[0].seconds,
                     static_cast<double>(candidate.words) / static_cast<double>(candidates[0].words));
     }
     std::fflush(stdout);
@@ -74,8 +81,10 @@ int main(int argc, char** argv) {
     const std::uint64_t terms = argument(1, 16384);
     const std::uint64_t a = argument(2, 1000000);
     const int repetitions = static_cast<int>(argument(3, 10));
-    std::printf("| series | terms | ranges | words of Q | ns a term | time, to without | Q, to without |\n");
-    std::printf("|---|---|---|---|---|---|---|\n");
+    std::printf(
+        "| series | terms | halves from, each level to, every other to | words of Q | ns a term | of it "
+        "prepared |"
+        " time, to without | Q, to without |\n|---|---|---|---|---|---|---|---|\n");
     measure("pi, Chudnovsky", kelvara::pi_formula(0).series, a, terms, repetitions);
     measure("ArcCoth(26)", kelvara::ArcCothSeries(26), a, terms, repetitions);
     measure("Zeta(3), long", kelvara::zeta3_formula(0).series, a, terms, repetitions);

@@ -8,7 +8,7 @@
 //   split, cost_split            where it splits, if not as its base does
 //   leaf(context, out, a, b)     a range of up to longest_leaf terms
 //   merge(context, whole, right, subtract)
-//   cancel(context, factors, left_counts, right_counts, left, right, a, m, b)   if merges can take factors out
+//   cancel(context, factors, left, right)   if merges can take factors out
 // Every buffer is the caller's and nothing is allocated in the recursion: the right half of a serial split
 // is summed in the space above the left half's results, the halves of a parallel split share buffers and
 // scratch between them. BSR_sizes() tells how much of both a range needs. Results do not depend on the
@@ -79,46 +79,39 @@ struct Halves {
     }
 };
 
-// Merges the halves (a, m] and (m, b], which `sum_halves` sums: the left one into `out`, the right one where
-// it says.
-template <typename Series, typename SumHalves>
-void merge_halves(const Series& series, const MultiplyContext& context, typename Series::Buffers& out,
-                  std::uint64_t a, std::uint64_t m, std::uint64_t b, const CommonFactors* factors,
-                  FactorCounts* counts, const SumHalves& sum_halves) {
+// Where a range is halved: evenly, as what its merges take out asks for, or as the series says.
+template <typename SplitOfSeries>
+std::uint64_t split(const RangeFactors& factors, std::uint64_t a, std::uint64_t b,
+                    const SplitOfSeries& of_series) {
+    return factors.any() ? (a + b) >> 1 : of_series();
+}
+
+// Merges the halves (a, m] and (m, b].
+template <typename Series>
+void merge_halves(const Series& series, const MultiplyContext& context, typename Series::Buffers& left,
+                  typename Series::Buffers& right, std::uint64_t a, std::uint64_t m,
+                  const RangeFactors& factors) {
     if constexpr (requires { &Series::cancel; }) {
-        if (factors && factors->applies(b - a)) {
-            FactorCounts own_counts, right_counts;
-            FactorCounts& left_counts = counts ? *counts : own_counts;
-            auto right = sum_halves(&left_counts, &right_counts);
-            series.cancel(context, *factors, left_counts, right_counts, out, right, a, m, b);
-            series.merge(context, out, right, series.subtracts(a, m));
-            return;
-        }
+        if (factors.any()) series.cancel(context, factors, left, right);
     }
-    const auto right = sum_halves(nullptr, nullptr);
-    series.merge(context, out, right, series.subtracts(a, m));
+    series.merge(context, left, right, series.subtracts(a, m));
 }
 
 }  // namespace bsr
 
-// Sums (a, b] into the outputs, on the calling thread. With `factors` the merges take common factors out, and
-// leave in `counts`, which must come empty, what is known of those that stay.
+// Sums (a, b] into the outputs, on the calling thread.
 template <typename Series>
 void BSR_serial(const Series& series, const MultiplyContext& context, typename Series::Buffers& out,
-                std::uint64_t a, std::uint64_t b, const CommonFactors* factors = nullptr,
-                FactorCounts* counts = nullptr) {
+                std::uint64_t a, std::uint64_t b, RangeFactors factors = {}) {
     if (b - a <= series.longest_leaf) {
         series.leaf(context, out, a, b);
         return;
     }
-    const std::uint64_t m = series.split(a, b);
-    const auto sum_halves = [&](FactorCounts* left_counts, FactorCounts* right_counts) {
-        BSR_serial(series, context, out, a, m, factors, left_counts);
-        auto right = bsr::above<Series>(out);
-        BSR_serial(series, context, right, m, b, factors, right_counts);
-        return right;
-    };
-    bsr::merge_halves(series, context, out, a, m, b, factors, counts, sum_halves);
+    const std::uint64_t m = bsr::split(factors, a, b, [&] { return series.split(a, b); });
+    BSR_serial(series, context, out, a, m, factors.of_half());
+    auto right = bsr::above<Series>(out);
+    BSR_serial(series, context, right, m, b, factors.of_half());
+    bsr::merge_halves(series, context, out, right, a, m, factors);
 }
 
 // The same with the context's tasks. Merges use at most merge_tasks of them: the tasks of the recursion
@@ -126,34 +119,31 @@ void BSR_serial(const Series& series, const MultiplyContext& context, typename S
 template <typename Series>
 void BSR_parallel(const Series& series, const MultiplyContext& context, std::uint64_t merge_tasks,
                   typename Series::Buffers& out, std::uint64_t a, std::uint64_t b,
-                  const CommonFactors* factors = nullptr, FactorCounts* counts = nullptr) {
+                  RangeFactors factors = {}) {
     const std::uint64_t tasks = context.tds;
     if (tasks < 2 || b - a < bsr_parallel_terms) {
-        BSR_serial(series, context.with_tasks(1), out, a, b, factors, counts);
+        BSR_serial(series, context.with_tasks(1), out, a, b, factors);
         return;
     }
-    const std::uint64_t m = series.cost_split(a, b);
-    const auto sum_halves = [&](FactorCounts* left_counts, FactorCounts* right_counts) {
-        bsr::Halves<Series> halves(out);
-        MultiplyContext left = context.with_tasks(tasks >> 1);
-        MultiplyContext right = context.with_tasks(tasks - (tasks >> 1));
-        left.scratch_words = right.scratch_words = context.scratch_words / 2 & ~std::uint64_t{7};
-        right.scratch += right.scratch_words;
-        context.run_pair(
-            [&] { BSR_parallel(series, left, merge_tasks, halves.left, a, m, factors, left_counts); },
-            [&] { BSR_parallel(series, right, merge_tasks, halves.right, m, b, factors, right_counts); });
-        halves.keep_left(out);
-        return halves.right;
-    };
-    bsr::merge_halves(series, context.with_tasks(std::min(tasks, merge_tasks)), out, a, m, b, factors, counts,
-                      sum_halves);
+    const std::uint64_t m = bsr::split(factors, a, b, [&] { return series.cost_split(a, b); });
+    bsr::Halves<Series> halves(out);
+    MultiplyContext left = context.with_tasks(tasks >> 1);
+    MultiplyContext right = context.with_tasks(tasks - (tasks >> 1));
+    left.scratch_words = right.scratch_words = context.scratch_words / 2 & ~std::uint64_t{7};
+    right.scratch += right.scratch_words;
+    context.run_pair(
+        [&] { BSR_parallel(series, left, merge_tasks, halves.left, a, m, factors.of_half()); },
+        [&] { BSR_parallel(series, right, merge_tasks, halves.right, m, b, factors.of_half()); });
+    halves.keep_left(out);
+    bsr::merge_halves(series, context.with_tasks(std::min(tasks, merge_tasks)), out, halves.right, a, m,
+                      factors);
 }
 
 // One block: split serially `depth` times, each half with all threads, and in parallel below.
 template <typename Series>
 void BSR_block(const Series& series, const MultiplyContext& context, Progress* progress,
                typename Series::Buffers& out, std::uint64_t a, std::uint64_t b, std::uint64_t depth,
-               const CommonFactors* factors = nullptr) {
+               RangeFactors factors = {}) {
     if (depth == 0 || b - a < bsr_parallel_terms) {
         const double units =
             series.SizeAtIndex(static_cast<double>(b)) - series.SizeAtIndex(static_cast<double>(a));
@@ -163,21 +153,21 @@ void BSR_block(const Series& series, const MultiplyContext& context, Progress* p
         BSR_parallel(series, context.with_tasks(bsr_tasks(context.tds)), context.tds, out, a, b, factors);
         return;
     }
-    const std::uint64_t m = series.cost_split(a, b);
+    const std::uint64_t m = bsr::split(factors, a, b, [&] { return series.cost_split(a, b); });
     bsr::Halves<Series> halves(out);
     {
         ScopedLabel label(progress, "0", label_colour);
-        BSR_block(series, context, progress, halves.left, a, m, depth - 1, factors);
+        BSR_block(series, context, progress, halves.left, a, m, depth - 1, factors.of_half());
     }
     {
         ScopedLabel label(progress, "1", label_colour);
-        BSR_block(series, context, progress, halves.right, m, b, depth - 1, factors);
+        BSR_block(series, context, progress, halves.right, m, b, depth - 1, factors.of_half());
     }
     halves.keep_left(out);
     ScopedLabel label(progress, "-  ", label_colour);
     ScopedLabel size(progress, console::format_separated(word_to_dec(out[1].L + halves.right[1].L)),
                      label_size_colour);
-    series.merge(context, out, halves.right, series.subtracts(a, m));
+    bsr::merge_halves(series, context, out, halves.right, a, m, factors);
 }
 
 }  // namespace qmp

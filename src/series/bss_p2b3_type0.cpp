@@ -1,6 +1,7 @@
 #include "series/bss_p2b3_type0.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "series/exact_sum.h"
 #include "series/short_merge.h"
@@ -62,10 +63,10 @@ void BSS_P2B3_Type0::merge(const MultiplyContext& context, Buffers& whole, const
     }
 }
 
-std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series) {
+std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series, std::uint64_t last) {
     const TermFactors factors = series.term_factors();
     if (factors.Q.empty() || factors.R.empty()) return std::nullopt;
-    return CommonFactors(factors);
+    return std::optional<CommonFactors>(std::in_place, factors, last);
 }
 
 }  // namespace qmp

@@ -36,20 +36,19 @@ class BSS_P2B3_Type0 : public CostedSeries {
     // P = P0 Q1 +- R0 P1, Q = Q0 Q1, R = R0 R1. `whole` holds the left half's values at the start of its
     // buffers, and receives the result there; `right` may lie above them in the same buffers.
     static void merge(const MultiplyContext& context, Buffers& whole, const Buffers& right, bool subtract);
-    // Takes out what both sides of the merge of (a, m] and (m, b] have in common.
-    static void cancel(const MultiplyContext& context, const CommonFactors& factors,
-                       FactorCounts& left_counts, FactorCounts& right_counts, Buffers& left, Buffers& right,
-                       std::uint64_t a, std::uint64_t m, std::uint64_t b) {
-        factors.cancel(context, left_counts, right_counts, left[2], right[1], left[3], a, m, b);
+    // Takes out what both sides of a merge have in common.
+    static void cancel(const MultiplyContext& context, const RangeFactors& factors, Buffers& left,
+                       Buffers& right) {
+        factors.factors->cancel(context, factors.level, left[2], right[1]);
     }
 
   protected:
     using CostedSeries::CostedSeries;
 };
 
-// The table of a series that knows its terms' factors, for the whole of its evaluation.
-std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series);
-inline std::optional<CommonFactors> common_factors(const BinarySplittingSeries&) {
+// What merges may take out of a series that knows its terms' factors, whose last index is `last`.
+std::optional<CommonFactors> common_factors(const BSS_P2B3_Type0& series, std::uint64_t last);
+inline std::optional<CommonFactors> common_factors(const BinarySplittingSeries&, std::uint64_t) {
     return std::nullopt;
 }
 

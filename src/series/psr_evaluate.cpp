@@ -161,7 +161,7 @@ template <typename Series>
 void evaluate(const Series& series, const MultiplyContext& context, Progress* progress, const PsrPlan& plan,
               std::uint64_t first, PsrMemory& memory, Running<Series>& running) {
     place(series, memory, running);
-    const std::optional<CommonFactors> factors = common_factors(series);
+    std::optional<CommonFactors> factors = common_factors(series, plan.terms);
     const std::uint64_t total = plan.blocks.size() - first;
     for (std::uint64_t done = 0; done < total; done++) {
         const std::uint64_t i = plan.last() - done;
@@ -174,7 +174,9 @@ void evaluate(const Series& series, const MultiplyContext& context, Progress* pr
         const std::uint64_t depth = 2 * block.size >= plan.blocks[first].size ? 1 : 0;
         const BsrSizes sizes = BSR_sizes(series, block.size, depth, context.tds);
         auto exact = carve<Series>(memory, sizes.words & ~std::uint64_t{7});
-        BSR_block(series, context, progress, exact, block.a, block.b, depth, factors ? &*factors : nullptr);
+        if (factors) factors->prepare(context, block.b - block.a);
+        BSR_block(series, context, progress, exact, block.a, block.b, depth,
+                  RangeFactors(factors ? &*factors : nullptr));
         qcb_Verify_BSR(progress, block.a, block.b, {exact.data(), Series::output_count}, context.parallel());
 
         if (done == 0) {

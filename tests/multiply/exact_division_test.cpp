@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "errors/exception.h"
 #include "multiply/basecase/schoolbook.h"
 #include "multiply/exact_divisor.h"
 #include "multiply/multiply.h"
@@ -17,6 +18,7 @@ namespace {
 
 using kelvara_test::all_patterns;
 using kelvara_test::make_words;
+using kelvara_test::Pattern;
 using kelvara_test::Random;
 
 std::vector<Word> product(const std::vector<Word>& a, const std::vector<Word>& b) {
@@ -76,20 +78,18 @@ TEST(ExactDivision, UndoesProductsWithTheLongestDivisor) {
     expect_quotient(make_words(random, 10), make_words(random, longest_divisor));
 }
 
-// Quotients of the transforms' method, of two numbers by one divisor, against the schoolbook's.
-void expect_quotients(const std::vector<Word>& first, const std::vector<Word>& second,
+// Quotients by transforms, prepared for `words` words.
+void expect_quotients(std::uint64_t words, const std::vector<Word>& first, const std::vector<Word>& second,
                       std::vector<Word> divisor) {
     divisor[0] |= 1;
-    const std::uint64_t words = std::max(first.size(), second.size()) + 1;
     kelvara_test::TwiddledContext context(2 * words, iPsize(2 * words, 1));
-    std::vector<Word> temporary(2 * words, kelvara_test::garbage);
-    const auto exact = std::make_unique<ExactDivisor>(context.context(), divisor.data(), divisor.size(),
-                                                      words, temporary.data());
+    const ExactDivisor exact(context.context(), divisor.data(), divisor.size(), words);
     for (const auto* quotient : {&first, &second}) {
         std::vector<Word> x = product(*quotient, divisor);
-        ASSERT_EQ(exact->divide(x.data(), x.size()), quotient->size());
+        ASSERT_EQ(exact.divide(context.context(), x.data(), x.size()), quotient->size());
         EXPECT_TRUE(std::equal(quotient->begin(), quotient->end(), x.begin()));
     }
+    EXPECT_TRUE(context.guards_intact());
 }
 
 TEST(ExactDivisor, UndoesProductsOfEveryPattern) {
@@ -97,19 +97,28 @@ TEST(ExactDivisor, UndoesProductsOfEveryPattern) {
     for (const auto of_quotient : all_patterns) {
         for (const auto of_divisor : all_patterns) {
             for (const auto& [q, m] :
-                 {std::pair(5u, 32u), {28u, 40u}, {29u, 40u}, {57u, 33u}, {300u, 45u}, {800u, 100u}}) {
+                 {std::pair(32u, 2u), {33u, 40u}, {57u, 33u}, {300u, 45u}, {800u, 100u}, {100u, 800u}}) {
                 SCOPED_TRACE(testing::Message() << q << " words by " << m);
-                expect_quotients(make_words(random, q, of_quotient), make_words(random, q - 1),
+                expect_quotients(q + 1, make_words(random, q, of_quotient), make_words(random, q - 1),
                                  make_words(random, m, of_divisor));
             }
         }
     }
 }
 
-TEST(ExactDivisor, UndoesProductsWithItsLongestQuotient) {
+TEST(ExactDivisor, RefusesQuotientsThatAreTooLong) {
     Random random;
-    expect_quotients(make_words(random, ExactDivisor::longest_quotient - 1), make_words(random, 3),
-                     make_words(random, longest_divisor));
+    expect_quotients(40, make_words(random, 39), make_words(random, 1), make_words(random, 5));
+    EXPECT_THROW(expect_quotients(40, make_words(random, 41), make_words(random, 1), make_words(random, 5)),
+                 BufferTooSmallException);
+}
+
+// Beyond the floating-point transform.
+TEST(ExactDivisor, UndoesLongProducts) {
+    Random random;
+    expect_quotients(9000, make_words(random, 8999), make_words(random, 8000), make_words(random, 700));
+    expect_quotients(9000, make_words(random, 8999, Pattern::ones), make_words(random, 1),
+                     make_words(random, 700, Pattern::ones));
 }
 
 }  // namespace
