@@ -31,6 +31,8 @@ struct Fused : V {
         const Real product = V::mul(a, b);
         return V::sub(V::sub(c, product), product_error(a, b, product));
     }
+    // c - a * b where a * b is exact.
+    static KERNEL_INLINE Real exact_neg_mul_add(Real a, Real b, Real c) { return V::sub(c, V::mul(a, b)); }
     // a * b to an integer next to it, |a * b| <= 2^52.
     static KERNEL_INLINE Real rounded_product(Real a, Real b) { return V::round(V::mul(a, b)); }
     static KERNEL_INLINE Real rounded_long_product(Real a, Real b) { return V::round(V::mul(a, b)); }

@@ -77,7 +77,14 @@ struct Modulus {
     // At most 0.5 and a little.
     KERNEL_INLINE Real reduce(Real x) const { return remainder(x, quotient(x)); }
     KERNEL_INLINE Real quotient(Real x) const { return V::rounded_product(x, inverse); }
-    KERNEL_INLINE Real remainder(Real x, Real quotient) const { return V::neg_mul_add(quotient, prime, x); }
+    // |quotient| <= 8: the multiple of the prime is exact by itself.
+    KERNEL_INLINE Real remainder(Real x, Real quotient) const {
+        if constexpr (requires { V::exact_neg_mul_add(quotient, prime, x); }) {
+            return V::exact_neg_mul_add(quotient, prime, x);
+        } else {
+            return V::neg_mul_add(quotient, prime, x);
+        }
+    }
     // The table's form of a factor; a second step corrects the quotient.
     KERNEL_INLINE Factor<V> factor(Real w) const {
         const Real estimate = V::mul(w, inverse);
