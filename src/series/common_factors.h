@@ -26,8 +26,8 @@ class CommonFactors {
     // Which levels take factors out, by the least terms of the halves that they merge.
     struct Levels {
         std::uint64_t shortest = 64;  // of the lowest level, at least 8
-        std::uint64_t every = 512;    // up to here each level does, above every other one
-        std::uint64_t longest = 32768;
+        std::uint64_t every = 1024;   // up to here each level does, above every other one
+        std::uint64_t longest = 16384;
     };
 
     // For a series of the indices 1 .. last.
